@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "OneCapture.h"
+
+#include <QClipboard>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QImageWriter>
+#include <QSaveFile>
+#include <QTextStream>
+
+OneCapture::OneCapture(const CommandLine& commandLine)
+    : m_commandLine(commandLine)
+{
+    connect(&m_request, &CaptureRequest::captured, this, &OneCapture::onCaptured);
+    connect(&m_request, &CaptureRequest::cancelled, this,
+            [] { QCoreApplication::exit(Cancelled); });
+}
+
+void OneCapture::start()
+{
+    m_request.start(m_commandLine.delayMs());
+}
+
+void OneCapture::onCaptured(const QImage& picture)
+{
+    const bool written = m_commandLine.output().isEmpty() || write(picture);
+    if (!written)
+        QCoreApplication::exit(Failed);
+    else if (m_commandLine.toClipboard())
+        serveClipboard(picture);
+    else
+        QCoreApplication::exit(Pictured);
+}
+
+// A file that cannot be written whole leaves the one that stood there as it was.
+bool OneCapture::write(const QImage& picture) const
+{
+    QSaveFile file(m_commandLine.output());
+    const QByteArray format = QFileInfo(m_commandLine.output()).suffix().toLower().toLatin1();
+    QString error;
+    if (file.open(QIODevice::WriteOnly)) {
+        QImageWriter writer(&file, format);
+        if (!writer.write(picture))
+            error = writer.errorString();
+        else if (file.commit())
+            return true;
+    }
+    if (error.isEmpty())
+        error = file.errorString();
+    QTextStream(stderr)
+        << tr("capture-host: cannot write '%1': %2").arg(m_commandLine.output(), error) << '\n';
+    return false;
+}
+
+// The X server keeps no clipboard of its own: whoever offers the picture has to be there when it is
+// pasted, until another program offers something else.
+void OneCapture::serveClipboard(const QImage& picture)
+{
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    clipboard->setImage(picture);
+    connect(clipboard, &QClipboard::dataChanged, this, [clipboard] {
+        if (!clipboard->ownsClipboard())
+            QCoreApplication::exit(Pictured);
+    });
+}

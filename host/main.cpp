@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#include "CommandLine.h"
+#include "MainWindow.h"
+#include "OneCapture.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QStandardPaths>
+#include <QTextStream>
+
+namespace
+{
+
+// On an application object that needs no display, so that help and wrong usage need none either.
+CommandLine readCommandLine(int argc, char** argv)
+{
+    const QCoreApplication app(argc, argv);
+    return CommandLine(QCoreApplication::arguments());
+}
+
+int fail(const QString& message)
+{
+    QTextStream(stderr) << "capture-host: " << message << '\n';
+    return OneCapture::Failed;
+}
+
+// The library expects its settings directory to be there.
+bool makeSettingsDir(const QString& chosen)
+{
+    const QString dir = chosen.isEmpty()
+                            ? QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+                            : chosen;
+    return QDir().mkpath(dir);
+}
+
+int runOnce(const CommandLine& commandLine)
+{
+    OneCapture capture(commandLine);
+    capture.start();
+    return QApplication::exec();
+}
+
+int runWindow(const CommandLine& commandLine)
+{
+    MainWindow window(commandLine.delayMs());
+    window.show();
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const CommandLine commandLine = readCommandLine(argc, argv);
+    switch (commandLine.action()) {
+    case CommandLine::Action::Help:
+    case CommandLine::Action::Version:
+        QTextStream(stdout) << commandLine.message();
+        return 0;
+    case CommandLine::Action::Wrong:
+        return fail(commandLine.message());
+    case CommandLine::Action::Once:
+    case CommandLine::Action::Window:
+        break;
+    }
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("capture-host"));
+    QApplication::setApplicationVersion(QStringLiteral(CAPTURE_HOST_VERSION));
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    if (!makeSettingsDir(commandLine.settingsDir()))
+        return fail(CommandLine::tr("cannot create the settings directory '%1'")
+                        .arg(commandLine.settingsDir()));
+    return commandLine.action() == CommandLine::Action::Once ? runOnce(commandLine)
+                                                             : runWindow(commandLine);
+}

@@ -1,0 +1,5 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// Marks what a host may link against. Everything else is hidden inside the shared library.
+#define SCREENCAPTURE_EXPORT __attribute__((visibility("default")))

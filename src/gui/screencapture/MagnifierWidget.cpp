@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "MagnifierWidget.h"
+
+#include <QBrush>
+#include <QPainter>
+#include <QPen>
+
+namespace
+{
+
+constexpr qreal kFrameWidthPx = 1;
+constexpr qreal kCrossHairWidthPx = 3;
+constexpr int kCrossHairMarginPx = 2;
+
+} // namespace
+
+MagnifierWidget::MagnifierWidget(QWidget* parent)
+    : QWidget(parent)
+{
+    // The pointer can get onto the loupe in one fast move; the host must still see where it goes.
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void MagnifierWidget::setSize(int size)
+{
+    resize(size, size);
+    update();
+}
+
+void MagnifierWidget::setOrigImage(const QImage& image)
+{
+    m_origImage = image;
+    update();
+}
+
+void MagnifierWidget::setCrossColor(const QColor& color)
+{
+    m_crossColor = color;
+    update();
+}
+
+void MagnifierWidget::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    paintImage(painter);
+    paintFrames(painter);
+    paintCrossHair(painter);
+}
+
+void MagnifierWidget::paintImage(QPainter& painter) const
+{
+    if (m_origImage.isNull())
+        return;
+    painter.drawImage(0, 0,
+                      m_origImage.scaled(size(), Qt::IgnoreAspectRatio, Qt::FastTransformation));
+}
+
+void MagnifierWidget::paintFrames(QPainter& painter) const
+{
+    painter.setPen(QPen(QBrush(Qt::black), kFrameWidthPx));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    painter.setPen(QPen(QBrush(Qt::white), kFrameWidthPx));
+    painter.drawRect(rect().adjusted(1, 1, -2, -2));
+}
+
+void MagnifierWidget::paintCrossHair(QPainter& painter) const
+{
+    constexpr int m = kCrossHairMarginPx;
+    painter.setPen(QPen(QBrush(m_crossColor, Qt::SolidPattern), kCrossHairWidthPx, Qt::SolidLine,
+                        Qt::RoundCap, Qt::RoundJoin));
+    painter.drawLine(m + 1, height() / 2, width() - 2 * m, height() / 2);
+    painter.drawLine(width() / 2, m + 1, width() / 2, height() - 2 * m);
+}

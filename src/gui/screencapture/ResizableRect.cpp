@@ -1,0 +1,462 @@
+// SPDX-License-Identifier: MIT
+#include "ResizableRect.h"
+
+#include <QEvent>
+#include <QFont>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPen>
+#include <QWidget>
+
+namespace
+{
+
+constexpr int kHandleSidePx = 8;
+constexpr int kBorderBandPx = 4;
+constexpr int kMinGraphPenWidthPx = 8;
+constexpr qreal kBorderWidthPx = 1.0;
+
+constexpr QSize kSizeLabelPx(100, 28);
+constexpr int kSizeLabelPointSize = 14;
+constexpr int kSizeLabelAlpha = 128;
+
+using R = ResizableRect;
+
+// Which section takes the place of another one when the rectangle is flipped.
+const ArrowMap s_horizontalArrowMap =
+    ArrowMap() << ArrowMapValue(R::SECTION_LEFT, R::SECTION_RIGHT)
+               << ArrowMapValue(R::SECTION_RIGHT, R::SECTION_LEFT)
+               << ArrowMapValue(R::SECTION_TOP_LEFT, R::SECTION_TOP_RIGHT)
+               << ArrowMapValue(R::SECTION_TOP_RIGHT, R::SECTION_TOP_LEFT)
+               << ArrowMapValue(R::SECTION_BOTTOM_LEFT, R::SECTION_BOTTOM_RIGHT)
+               << ArrowMapValue(R::SECTION_BOTTOM_RIGHT, R::SECTION_BOTTOM_LEFT);
+
+const ArrowMap s_verticalArrowMap = ArrowMap()
+                                    << ArrowMapValue(R::SECTION_TOP, R::SECTION_BOTTOM)
+                                    << ArrowMapValue(R::SECTION_BOTTOM, R::SECTION_TOP)
+                                    << ArrowMapValue(R::SECTION_TOP_LEFT, R::SECTION_BOTTOM_LEFT)
+                                    << ArrowMapValue(R::SECTION_BOTTOM_LEFT, R::SECTION_TOP_LEFT)
+                                    << ArrowMapValue(R::SECTION_TOP_RIGHT, R::SECTION_BOTTOM_RIGHT)
+                                    << ArrowMapValue(R::SECTION_BOTTOM_RIGHT, R::SECTION_TOP_RIGHT);
+
+// Intended: the edges pair left with top and right with bottom.
+const ArrowMap s_mirrorArrowMap = ArrowMap()
+                                  << ArrowMapValue(R::SECTION_LEFT, R::SECTION_TOP)
+                                  << ArrowMapValue(R::SECTION_TOP, R::SECTION_LEFT)
+                                  << ArrowMapValue(R::SECTION_RIGHT, R::SECTION_BOTTOM)
+                                  << ArrowMapValue(R::SECTION_BOTTOM, R::SECTION_RIGHT)
+                                  << ArrowMapValue(R::SECTION_TOP_LEFT, R::SECTION_BOTTOM_RIGHT)
+                                  << ArrowMapValue(R::SECTION_BOTTOM_RIGHT, R::SECTION_TOP_LEFT)
+                                  << ArrowMapValue(R::SECTION_TOP_RIGHT, R::SECTION_BOTTOM_LEFT)
+                                  << ArrowMapValue(R::SECTION_BOTTOM_LEFT, R::SECTION_TOP_RIGHT);
+
+// Null when nothing is flipped. Qt's widths: an edge one pixel past its opposite is width 0.
+const ArrowMap* flipTable(const QRect& r)
+{
+    const bool flippedX = r.width() < 0;
+    const bool flippedY = r.height() < 0;
+    if (flippedX && flippedY)
+        return &s_mirrorArrowMap;
+    if (flippedX)
+        return &s_horizontalArrowMap;
+    return flippedY ? &s_verticalArrowMap : nullptr;
+}
+
+QPen borderPen(const QColor& color, Qt::PenStyle style)
+{
+    return QPen(QBrush(color, Qt::SolidPattern), kBorderWidthPx, style, Qt::RoundCap,
+                Qt::RoundJoin);
+}
+
+} // namespace
+
+ResizableRect::ResizableRect(QWidget* widget, const QRect& rect)
+    : QObject(widget)
+    , m_widget(widget)
+    , m_rect(rect)
+{
+    if (m_widget) {
+        m_widget->installEventFilter(this);
+        m_widgetCursor = m_widget->cursor();
+    }
+    init();
+    updateSectionRects();
+}
+
+void ResizableRect::init()
+{
+    for (int id = SECTION_LEFT; id <= SECTION_BOTTOM_RIGHT; ++id) {
+        m_sectionRects.append(QRect(0, 0, kHandleSidePx, kHandleSidePx));
+        m_sectionCursors.append(0);
+    }
+    m_sectionCursors[SECTION_LEFT] = Qt::SizeHorCursor;
+    m_sectionCursors[SECTION_RIGHT] = Qt::SizeHorCursor;
+    m_sectionCursors[SECTION_TOP] = Qt::SizeVerCursor;
+    m_sectionCursors[SECTION_BOTTOM] = Qt::SizeVerCursor;
+    m_sectionCursors[SECTION_TOP_LEFT] = Qt::SizeFDiagCursor;
+    m_sectionCursors[SECTION_BOTTOM_RIGHT] = Qt::SizeFDiagCursor;
+    m_sectionCursors[SECTION_TOP_RIGHT] = Qt::SizeBDiagCursor;
+    m_sectionCursors[SECTION_BOTTOM_LEFT] = Qt::SizeBDiagCursor;
+}
+
+void ResizableRect::setRect(const QRect& rect)
+{
+    const QRect old = occupiedRect();
+    m_rect = rect;
+    ensureSizingRectInWidget(m_rect);
+    updateSectionRects();
+    emit rectChanged(this->rect(), true);
+    if (m_widget)
+        m_widget->update(old | occupiedRect());
+}
+
+QRect ResizableRect::rect() const
+{
+    return m_rect.normalized();
+}
+
+QPoint ResizableRect::pos() const
+{
+    return rect().topLeft();
+}
+
+QRect ResizableRect::occupiedRect() const
+{
+    const int half = m_graphPenWidth / 2;
+    const QRect area = rect().adjusted(-half, -half, half + 1, half + 1);
+    return m_sizeInforVisible ? area | sizeInforPaintRect() : area;
+}
+
+bool ResizableRect::contains(const QPoint& p) const
+{
+    return wherePoint(p) != SECTION_OUTSIDE;
+}
+
+int ResizableRect::wherePoint(const QPoint& p) const
+{
+    for (int id = SECTION_LEFT; id <= SECTION_BOTTOM_RIGHT; ++id) {
+        if (m_sectionRects.at(id).contains(p))
+            return id;
+    }
+    constexpr int band = kBorderBandPx;
+    if (!m_rect.adjusted(-band, -band, band, band).contains(p))
+        return SECTION_OUTSIDE;
+    return m_rect.adjusted(band, band, -band, -band).contains(p) ? SECTION_INSIDE : SECTION_BORDER;
+}
+
+// Here and in the two functions below the right and bottom edges may reach the widget's width and
+// height, one pixel beyond its last column and row. That is intended.
+void ResizableRect::ensureMovingRectInWidget(QRect& r)
+{
+    Q_ASSERT(m_widget != NULL);
+    const QSize size = m_widget->size();
+
+    int dx = r.left() < 0 ? -r.left() : 0;
+    if (r.right() > size.width())
+        dx = size.width() - r.right();
+    r.moveLeft(r.left() + dx);
+
+    int dy = r.top() < 0 ? -r.top() : 0;
+    if (r.bottom() > size.height())
+        dy = size.height() - r.bottom();
+    r.moveTop(r.top() + dy);
+}
+
+void ResizableRect::ensureSizingRectInWidget(QRect& r)
+{
+    Q_ASSERT(m_widget != NULL);
+    const QSize size = m_widget->size();
+    r.setLeft(qBound(0, r.left(), size.width()));
+    r.setRight(qBound(0, r.right(), size.width()));
+    r.setTop(qBound(0, r.top(), size.height()));
+    r.setBottom(qBound(0, r.bottom(), size.height()));
+}
+
+bool ResizableRect::isRectInWidget(const QRect& r)
+{
+    Q_ASSERT(m_widget != NULL);
+    const QRect n = r.normalized();
+    return n.top() >= 0 && n.bottom() <= m_widget->height() && n.left() >= 0 &&
+           n.right() <= m_widget->width();
+}
+
+// The outset of one pixel on the left and top only is intended. The raw rectangle is used, so that
+// each handle stays on its own edge while the rectangle is inverted.
+void ResizableRect::updateSectionRects()
+{
+    const QPoint base = m_rect.topLeft() - QPoint(1, 1);
+    const int w = m_rect.width();
+    const int h = m_rect.height();
+    const int hw = w / 2;
+    const int hh = h / 2;
+
+    m_sectionRects[SECTION_LEFT].moveCenter(base + QPoint(0, hh));
+    m_sectionRects[SECTION_RIGHT].moveCenter(base + QPoint(w, hh));
+    m_sectionRects[SECTION_TOP].moveCenter(base + QPoint(hw, 0));
+    m_sectionRects[SECTION_BOTTOM].moveCenter(base + QPoint(hw, h));
+    m_sectionRects[SECTION_TOP_LEFT].moveCenter(base);
+    m_sectionRects[SECTION_TOP_RIGHT].moveCenter(base + QPoint(w, 0));
+    m_sectionRects[SECTION_BOTTOM_LEFT].moveCenter(base + QPoint(0, h));
+    m_sectionRects[SECTION_BOTTOM_RIGHT].moveCenter(base + QPoint(w, h));
+}
+
+void ResizableRect::repaint()
+{
+    if (m_widget)
+        m_widget->update(occupiedRect());
+}
+
+void ResizableRect::setVisible(bool visible)
+{
+    m_visible = visible;
+    repaint();
+}
+
+void ResizableRect::setEnabled(bool enabled)
+{
+    m_enabled = enabled;
+    if (!enabled)
+        m_widget->setCursor(m_widgetCursor);
+}
+
+void ResizableRect::setBorderSolidPaint(bool solid)
+{
+    m_borderSolidPaint = solid;
+    repaint();
+}
+
+void ResizableRect::setColor(const QColor& color)
+{
+    m_color = color;
+    repaint();
+}
+
+QColor ResizableRect::getColor()
+{
+    return m_color;
+}
+
+// Intended: the repainted area is the one without the label when the label is switched off.
+void ResizableRect::setSizeInforVisible(bool visible)
+{
+    m_sizeInforVisible = visible;
+    repaint();
+}
+
+void ResizableRect::setGraphPenWidth(int w)
+{
+    m_graphPenWidth = qMax(w, kMinGraphPenWidthPx);
+}
+
+void ResizableRect::initArrow()
+{
+    m_arrowMap[ARROW_HEAD] = SECTION_TOP_RIGHT;
+    m_arrowMap[ARROW_TAIL] = SECTION_BOTTOM_LEFT;
+}
+
+void ResizableRect::updateArrowRect(const QRect& r)
+{
+    const ArrowMap* table = flipTable(r);
+    if (!table)
+        return;
+    m_arrowMap[ARROW_HEAD] = table->value(m_arrowMap[ARROW_HEAD]);
+    m_arrowMap[ARROW_TAIL] = table->value(m_arrowMap[ARROW_TAIL]);
+}
+
+QPoint ResizableRect::getArrowRectPoint(int corner, const QRect& r)
+{
+    switch (corner) {
+    case SECTION_TOP_RIGHT:
+        return r.topRight();
+    case SECTION_BOTTOM_LEFT:
+        return r.bottomLeft();
+    case SECTION_BOTTOM_RIGHT:
+        return r.bottomRight();
+    default:
+        return r.topLeft();
+    }
+}
+
+void ResizableRect::setArrowRectPoint(int corner, const QPoint& p, QRect& r)
+{
+    switch (corner) {
+    case SECTION_TOP_LEFT:
+        r.setTopLeft(p);
+        break;
+    case SECTION_TOP_RIGHT:
+        r.setTopRight(p);
+        break;
+    case SECTION_BOTTOM_LEFT:
+        r.setBottomLeft(p);
+        break;
+    case SECTION_BOTTOM_RIGHT:
+        r.setBottomRight(p);
+        break;
+    default:
+        break;
+    }
+}
+
+QPoint ResizableRect::arrowTail()
+{
+    return getArrowRectPoint(m_arrowMap[ARROW_TAIL], m_rect);
+}
+
+QPoint ResizableRect::arrowHead()
+{
+    return getArrowRectPoint(m_arrowMap[ARROW_HEAD], m_rect);
+}
+
+void ResizableRect::setArrowTail(const QPoint& p)
+{
+    moveArrowEnd(ARROW_TAIL, p);
+}
+
+void ResizableRect::setArrowHead(const QPoint& p)
+{
+    moveArrowEnd(ARROW_HEAD, p);
+}
+
+// Intended: only the corners are re-assigned; the moved copy is dropped.
+void ResizableRect::moveArrowEnd(ARROW_END end, const QPoint& p)
+{
+    QRect moved = m_rect;
+    setArrowRectPoint(m_arrowMap[end], p, moved);
+    updateArrowRect(moved);
+}
+
+bool ResizableRect::eventFilter(QObject* watched, QEvent* event)
+{
+    if (m_visible && m_enabled && watched == m_widget) {
+        Q_ASSERT(event != NULL);
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+            mousePressEventFilter(static_cast<QMouseEvent*>(event));
+            break;
+        case QEvent::MouseButtonRelease:
+            mouseReleaseEventFilter(static_cast<QMouseEvent*>(event));
+            break;
+        case QEvent::MouseMove:
+            mouseMoveEventFilter(static_cast<QMouseEvent*>(event));
+            break;
+        default:
+            break;
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void ResizableRect::mousePressEventFilter(QMouseEvent* event)
+{
+    Q_ASSERT(event != NULL);
+    if (event->button() != Qt::LeftButton)
+        return;
+    m_pressSection = wherePoint(event->pos());
+    m_pressOffset = event->pos() - rect().topLeft();
+}
+
+void ResizableRect::mouseReleaseEventFilter(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    updateArrowRect(m_rect);
+    if (m_pressSection == SECTION_OUTSIDE)
+        return;
+    m_rect = m_rect.normalized();
+    updateSectionRects();
+    event->accept();
+}
+
+void ResizableRect::mouseMoveEventFilter(QMouseEvent* event)
+{
+    Q_ASSERT(event != NULL);
+    Q_ASSERT(m_widget != NULL);
+    if (!(event->buttons() & Qt::LeftButton))
+        showCursorFor(wherePoint(event->pos()));
+    else if (m_pressSection != SECTION_OUTSIDE)
+        setRect(draggedRect(event->pos()));
+}
+
+void ResizableRect::showCursorFor(int section)
+{
+    if (section == SECTION_OUTSIDE)
+        m_widget->setCursor(m_widgetCursor);
+    else if (section == SECTION_BORDER || section == SECTION_INSIDE)
+        m_widget->setCursor(QCursor(Qt::SizeAllCursor));
+    else
+        m_widget->setCursor(QCursor(static_cast<Qt::CursorShape>(m_sectionCursors.at(section))));
+}
+
+// A moved rectangle is first shifted back inside and then clipped, so one that is larger than the
+// widget is cut down to it by the first move.
+QRect ResizableRect::draggedRect(const QPoint& pos)
+{
+    QRect r = m_rect;
+    switch (m_pressSection) {
+    case SECTION_INSIDE:
+    case SECTION_BORDER:
+        r.moveTopLeft(pos - m_pressOffset);
+        ensureMovingRectInWidget(r);
+        break;
+    case SECTION_LEFT:
+        r.setLeft(pos.x());
+        break;
+    case SECTION_RIGHT:
+        r.setRight(pos.x());
+        break;
+    case SECTION_TOP:
+        r.setTop(pos.y());
+        break;
+    case SECTION_BOTTOM:
+        r.setBottom(pos.y());
+        break;
+    default:
+        setArrowRectPoint(m_pressSection, pos, r);
+        break;
+    }
+    ensureSizingRectInWidget(r);
+    return r;
+}
+
+void ResizableRect::render(QPainter& painter)
+{
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    renderBorder(painter);
+    renderHandles(painter);
+    if (m_sizeInforVisible)
+        renderSizeInfor(painter);
+}
+
+// The brush is the painter's own at this moment.
+void ResizableRect::renderBorder(QPainter& painter) const
+{
+    painter.setPen(borderPen(m_color, m_borderSolidPaint ? Qt::SolidLine : Qt::DashLine));
+    painter.drawRect(m_rect);
+}
+
+void ResizableRect::renderHandles(QPainter& painter) const
+{
+    painter.setPen(borderPen(m_color, Qt::SolidLine));
+    painter.setBrush(QBrush(m_borderSolidPaint ? m_color : QColor(Qt::white), Qt::SolidPattern));
+    for (const QRect& handle : m_sectionRects)
+        painter.drawRect(handle);
+}
+
+void ResizableRect::renderSizeInfor(QPainter& painter) const
+{
+    const QRect label = sizeInforPaintRect();
+    painter.setBrush(QBrush(QColor(0, 0, 0, kSizeLabelAlpha), Qt::SolidPattern));
+    painter.setPen(Qt::NoPen);
+    painter.drawRect(label);
+
+    painter.setPen(Qt::white);
+    painter.setFont(QFont(QObject::tr("Courier New"), kSizeLabelPointSize));
+    painter.drawText(label, Qt::AlignCenter,
+                     QStringLiteral("%1 x %2").arg(rect().width()).arg(rect().height()));
+}
+
+QRect ResizableRect::sizeInforPaintRect() const
+{
+    const QPoint above = pos() - QPoint(0, kSizeLabelPx.height());
+    return QRect(above.y() < 0 ? pos() : above, kSizeLabelPx);
+}

@@ -1,0 +1,377 @@
+// SPDX-License-Identifier: MIT
+#include "ScreenCaptureWnd.h"
+
+#include "MagnifierWidget.h"
+#include "OverlayGeometry.h"
+#include "ResizableRect.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QDesktopWidget>
+#include <QDir>
+#include <QFileDialog>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QPixmap>
+#include <QScreen>
+
+namespace
+{
+
+constexpr int kDimAlpha = 100;
+constexpr int kMinRegionSidePx = 3;
+constexpr int kToolBarHeightPx = 30;
+constexpr qreal kGrabWindowBorderPx = 4.0;
+constexpr QSize kGrabWindowInsetPx(4, 4);
+
+const char* const kSelectionColor = "#00aacc";
+
+// Intended: the closing brace without an opening one stands as it is.
+const char* const kTransparentStyleSheet =
+    "background:rgba(0,0,0,0%); border-width:0; border-style:outset}";
+
+} // namespace
+
+ScreenCaptureWnd* ScreenCaptureWnd::s_screenCaptureWnd = nullptr;
+
+ScreenCaptureWnd* ScreenCaptureWnd::screenCaptureWnd()
+{
+    if (!s_screenCaptureWnd)
+        s_screenCaptureWnd = new ScreenCaptureWnd;
+    return s_screenCaptureWnd;
+}
+
+ScreenCaptureWnd::ScreenCaptureWnd()
+    : QDialog(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+{
+    setObjectName(QStringLiteral("ScreenCaptureWnd"));
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_DeleteOnClose);
+    setMouseTracking(true);
+    // Nobody else deletes the window of a capture in whose middle the application ends.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &QObject::deleteLater);
+    init();
+}
+
+ScreenCaptureWnd::~ScreenCaptureWnd()
+{
+    s_screenCaptureWnd = nullptr;
+    delete m_desktopImage;
+}
+
+void ScreenCaptureWnd::init()
+{
+    setCursor(QCursor(QPixmap(":/scribble/cursor.png"), 0, 0));
+    grabDesktop();
+    initCaptureRect();
+    initMagnifier();
+    connect(m_rectCapture, SIGNAL(rectChanged(const QRect&)), this,
+            SLOT(onCaptureRectChanged(const QRect&)));
+    m_grabWindowRect = makeGrabWholeWindowRect(QCursor::pos());
+    initToolBars();
+}
+
+// The only grab of a capture: region, loupe and dimmed surround are all cut from this picture.
+void ScreenCaptureWnd::grabDesktop()
+{
+    const QDesktopWidget* desktop = QApplication::desktop();
+    const QSize size = desktop->geometry().size();
+    QScreen* screen = QGuiApplication::primaryScreen();
+    m_desktopImage = new QImage(
+        screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height()).toImage());
+}
+
+void ScreenCaptureWnd::initCaptureRect()
+{
+    m_rectCapture = new ResizableRect(this, QRect());
+    m_rectCapture->setBorderSolidPaint(true);
+    m_rectCapture->setColor(QColor(kSelectionColor));
+    m_rectCapture->setSizeInforVisible(true);
+}
+
+void ScreenCaptureWnd::initMagnifier()
+{
+    m_magnifier = new MagnifierWidget(this);
+    m_magnifier->setStyleSheet(kTransparentStyleSheet);
+    m_magnifier->setSize(overlay::kLoupeSidePx);
+    m_magnifier->setCrossColor(QColor(kSelectionColor));
+    updateMagnifierAtCursor();
+}
+
+void ScreenCaptureWnd::initToolBars()
+{
+    m_mainToolBar = new QWidget(this);
+    m_mainToolBar->setObjectName(QStringLiteral("mainToolBar"));
+    m_mainToolBar->setFixedHeight(kToolBarHeightPx);
+    m_mainToolBar->resize(0, kToolBarHeightPx);
+    m_mainToolBar->hide();
+}
+
+void ScreenCaptureWnd::connectTo(QObject* receiver, const char* member)
+{
+    if (m_receiver && m_member)
+        disconnect(this, SIGNAL(captureFinished(QImage, bool)), m_receiver, m_member);
+    m_receiver = receiver;
+    m_member = member;
+    if (m_receiver && m_member)
+        connect(this, SIGNAL(captureFinished(QImage, bool)), m_receiver, m_member,
+                Qt::QueuedConnection);
+}
+
+void ScreenCaptureWnd::showFullDesktop(bool full)
+{
+    if (full != m_fullDesktop) {
+        if (full)
+            m_normalGeometry = geometry();
+        setGeometry(full ? QApplication::desktop()->geometry() : m_normalGeometry);
+        m_fullDesktop = full;
+    }
+    show();
+    activateWindow();
+}
+
+QImage ScreenCaptureWnd::captureImage() const
+{
+    return m_rectCapture->isVisible() ? m_desktopImage->copy(m_rectCapture->rect()) : QImage();
+}
+
+QImage ScreenCaptureWnd::scribbledImage() const
+{
+    return captureImage();
+}
+
+void ScreenCaptureWnd::reset()
+{
+    m_state = StateIdle;
+    m_rectCapture->setEnabled(true);
+    m_rectCapture->setVisible(false);
+    m_mainToolBar->hide();
+    updateMagnifierAtCursor();
+    m_magnifier->show();
+    m_grabWindowRect = makeGrabWholeWindowRect(QCursor::pos());
+    update();
+}
+
+void ScreenCaptureWnd::undo()
+{
+    if (m_state != StateIdle)
+        reset();
+}
+
+void ScreenCaptureWnd::redo() {}
+
+void ScreenCaptureWnd::save()
+{
+    const QString suggested = QDir::currentPath() + QStringLiteral("/untitled");
+    QString selected = tr("PNG (*.png)");
+    const QString name = QFileDialog::getSaveFileName(
+        this, tr("Save As"), suggested, tr("PNG (*.png);;JPEG (*.jpg;*.jpeg);;BMP (*.bmp)"),
+        &selected);
+    if (name.isEmpty())
+        return;
+    scribbledImage().save(name);
+    reset();
+}
+
+void ScreenCaptureWnd::onBtnSend()
+{
+    accept();
+}
+
+// A window that is on its way out, hidden but not deleted yet, delivers nothing a second time.
+bool ScreenCaptureWnd::beginEnd()
+{
+    return !qExchange(m_ended, true);
+}
+
+void ScreenCaptureWnd::accept()
+{
+    if (!beginEnd())
+        return;
+    emit captureFinished(scribbledImage(), true);
+    QDialog::accept();
+}
+
+void ScreenCaptureWnd::reject()
+{
+    if (!beginEnd())
+        return;
+    emit captureFinished(QImage(), false);
+    QDialog::reject();
+}
+
+bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
+{
+    Q_ASSERT(event != NULL);
+    return QDialog::eventFilter(watched, event);
+}
+
+void ScreenCaptureWnd::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    if (m_state == StateIdle) {
+        startSelection(event->pos());
+    } else if (m_state == StateSelected) {
+        updateMagnifier(event->pos());
+        m_magnifier->setVisible(m_rectCapture->mousePressSection() >= ResizableRect::SECTION_LEFT);
+    }
+}
+
+void ScreenCaptureWnd::startSelection(const QPoint& pos)
+{
+    m_pressPos = pos;
+    m_state = StateSelecting;
+    m_rectCapture->setRect(QRect(m_pressPos, QSize()));
+}
+
+void ScreenCaptureWnd::mouseMoveEvent(QMouseEvent* event)
+{
+    const bool leftHeld = event->buttons() & Qt::LeftButton;
+    if (leftHeld && m_state == StateSelecting)
+        dragSelection(event->pos());
+    if (!leftHeld)
+        updateGrabWindowRect(event->globalPos());
+    if (m_magnifier->isVisible())
+        updateMagnifier(event->pos());
+}
+
+// The rubber band shows from 3 pixels on, so that a mere click makes no visible region.
+void ScreenCaptureWnd::dragSelection(const QPoint& pos)
+{
+    m_rectCapture->setRect(QRect(m_pressPos, pos).normalized());
+    const QRect region = m_rectCapture->rect();
+    if (qAbs(region.width()) < kMinRegionSidePx && qAbs(region.height()) < kMinRegionSidePx)
+        return;
+    m_rectCapture->setVisible(true);
+    if (!m_grabWindowRect.isNull()) {
+        m_grabWindowRect = QRect();
+        update();
+    }
+}
+
+void ScreenCaptureWnd::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton) {
+        if (m_state == StateSelecting)
+            endSelection();
+        m_magnifier->hide();
+    } else if (event->button() == Qt::RightButton) {
+        releaseRightButton(event->pos());
+    }
+}
+
+// Intended: the tool bar appears also when the drag was too short to make a visible region.
+void ScreenCaptureWnd::endSelection()
+{
+    if (!m_grabWindowRect.isNull()) {
+        m_rectCapture->setRect(m_grabWindowRect);
+        m_rectCapture->setVisible(true);
+        m_grabWindowRect = QRect();
+    }
+    m_state = StateSelected;
+    m_mainToolBar->show();
+    updateMainToolBarPos(0);
+}
+
+void ScreenCaptureWnd::releaseRightButton(const QPoint& pos)
+{
+    if (m_state == StateIdle)
+        reject();
+    else if (m_state != StateSelecting && !m_rectCapture->contains(pos))
+        reset();
+}
+
+void ScreenCaptureWnd::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton)
+        accept();
+}
+
+void ScreenCaptureWnd::updateMagnifier(const QPoint& pos)
+{
+    const QPoint p =
+        overlay::pointOfInterest(pos, m_rectCapture->mousePressSection(), m_rectCapture->rect());
+    m_magnifier->setOrigImage(m_desktopImage->copy(overlay::loupeSource(p)));
+    m_magnifier->move(overlay::loupePos(pos, size()));
+}
+
+void ScreenCaptureWnd::updateMagnifierAtCursor()
+{
+    updateMagnifier(mapFromGlobal(QCursor::pos()));
+}
+
+// Intended: the hook for picking the whole window under the cursor, which this window does not
+// offer.
+QRect ScreenCaptureWnd::makeGrabWholeWindowRect(const QPoint& /*globalPos*/)
+{
+    return {};
+}
+
+void ScreenCaptureWnd::updateGrabWindowRect(const QPoint& globalPos)
+{
+    const QRect r = makeGrabWholeWindowRect(globalPos);
+    if (r == m_grabWindowRect)
+        return;
+    m_grabWindowRect = r;
+    update();
+}
+
+void ScreenCaptureWnd::onCaptureRectChanged(const QRect& /*rect*/)
+{
+    Q_ASSERT(m_rectCapture != NULL);
+    updateMainToolBarPos(0);
+}
+
+void ScreenCaptureWnd::updateMainToolBarPos(int extraHeight)
+{
+    m_mainToolBar->move(
+        overlay::mainToolBarPos(m_rectCapture->rect(), m_mainToolBar->size(), extraHeight, rect()));
+}
+
+void ScreenCaptureWnd::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    paintDesktop(painter, event->region());
+    if (m_rectCapture->isVisible())
+        paintRegion(painter);
+    else if (!m_grabWindowRect.isNull())
+        paintGrabWindow(painter);
+}
+
+void ScreenCaptureWnd::paintDesktop(QPainter& painter, const QRegion& changed) const
+{
+    const QColor dim(0, 0, 0, kDimAlpha);
+    for (const QRect& area : changed) {
+        painter.drawImage(area.topLeft(), *m_desktopImage, area);
+        painter.fillRect(area, dim);
+    }
+}
+
+void ScreenCaptureWnd::paintRegion(QPainter& painter)
+{
+    paintUndimmed(painter, m_rectCapture->rect());
+    m_rectCapture->render(painter);
+}
+
+// Draws from the picture itself; a copy is cut only where the window is larger than the picture.
+void ScreenCaptureWnd::paintUndimmed(QPainter& painter, const QRect& region) const
+{
+    const QRect shown = region & rect();
+    if (m_desktopImage->rect().contains(shown))
+        painter.drawImage(shown.topLeft(), *m_desktopImage, shown);
+    else
+        painter.drawImage(region.topLeft(), m_desktopImage->copy(region));
+}
+
+void ScreenCaptureWnd::paintGrabWindow(QPainter& painter)
+{
+    QRect g(QPoint(), m_grabWindowRect.size() - kGrabWindowInsetPx);
+    g.moveCenter(m_grabWindowRect.center());
+    g &= geometry();
+    paintUndimmed(painter, g);
+    painter.setPen(QPen(QBrush(m_rectCapture->getColor(), Qt::SolidPattern), kGrabWindowBorderPx,
+                        Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
+    painter.drawRect(g);
+}

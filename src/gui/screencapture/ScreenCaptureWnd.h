@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "screencapture_export.h"
+
+#include <QColor>
+#include <QDialog>
+#include <QImage>
+#include <QPoint>
+#include <QPointer>
+#include <QRect>
+
+class MagnifierWidget;
+class ResizableRect;
+
+/// The one window through which an application takes a screenshot.
+///
+/// When it is built it photographs the whole virtual desktop once; from then on it shows that
+/// frozen picture, dimmed, over every screen and lets the user drag out a region. The capture ends
+/// with captureFinished(), after which the window hides and deletes itself; the next
+/// screenCaptureWnd() photographs the desktop anew.
+///
+/// \code
+/// ScreenCaptureWnd* capture = ScreenCaptureWnd::screenCaptureWnd();
+/// capture->connectTo(this, SLOT(onCaptured(QImage,bool)));
+/// capture->showFullDesktop(true);
+/// \endcode
+///
+/// Coordinates are pixels of the window, which are those of the virtual desktop. The window deletes
+/// itself: a host keeps no pointer to it across the end of a capture. GUI thread only, with a
+/// QApplication; nothing is thrown, and a desktop that cannot be grabbed gives a null picture.
+class SCREENCAPTURE_EXPORT ScreenCaptureWnd : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// The window of the running capture; built, with a fresh grab of the desktop, when there is
+    /// none. Until the window of a finished capture is deleted by the event loop, which is after
+    /// the slot given to connectTo() ran, this still returns that window; ask for the next capture
+    /// from a zero timer rather than from that slot.
+    static ScreenCaptureWnd* screenCaptureWnd();
+
+    ~ScreenCaptureWnd() override;
+
+    /// Sends captureFinished(QImage,bool) to `member` of `receiver`, queued, instead of to the
+    /// receiver given before. `member` is what SLOT() makes and must live as long as the capture.
+    /// With a null receiver or member only the former receiver is disconnected. Neither is owned; a
+    /// receiver that dies in the meantime is forgotten.
+    void connectTo(QObject* receiver, const char* member);
+
+    /// Covers the whole virtual desktop, or returns to the geometry from before; shows and
+    /// activates the window in any case.
+    void showFullDesktop(bool full);
+
+    /// The region cut from the desktop picture; null while no region is visible.
+    QImage captureImage() const;
+
+    /// The picture that done, double-click and save deliver: the region with its annotations, after
+    /// a text or shape still being edited was committed; null while no region is visible.
+    QImage scribbledImage() const;
+
+    /// Drops region and tool and starts over on the same desktop picture.
+    void reset();
+
+signals:
+    /// Emitted exactly once, at the end of a capture: the annotated region and true when the user
+    /// finished (the image is null when there was no region), a null image and false when the user
+    /// cancelled.
+    void captureFinished(QImage image, bool finished);
+
+    /// Never emitted by the window, which stores colours itself; kept for hosts that connect to it.
+    void penColorChanged(const QString& penName, const QColor& c);
+
+public slots:
+    /// Takes back the last edit; drops the region when there is none left.
+    void undo();
+    void redo();
+    /// Asks for a file name, writes the picture there (format by the suffix that the user typed)
+    /// and starts over. A failed write is silent.
+    void save();
+    void onBtnSend();
+    /// Ends the capture with the picture.
+    void accept() override;
+    /// Cancels the capture.
+    void reject() override;
+    void onCaptureRectChanged(const QRect& rect);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    enum CaptureState { StateIdle = 0, StateSelecting = 1, StateSelected = 2, StateAnnotating = 3 };
+
+    ScreenCaptureWnd();
+
+    void init();
+    void grabDesktop();
+    void initCaptureRect();
+    void initMagnifier();
+    void initToolBars();
+
+    bool beginEnd();
+    void updateMagnifier(const QPoint& pos);
+    void updateMagnifierAtCursor();
+    QRect makeGrabWholeWindowRect(const QPoint& globalPos);
+    void updateGrabWindowRect(const QPoint& globalPos);
+    void updateMainToolBarPos(int extraHeight);
+
+    void startSelection(const QPoint& pos);
+    void dragSelection(const QPoint& pos);
+    void endSelection();
+    void releaseRightButton(const QPoint& pos);
+
+    void paintDesktop(QPainter& painter, const QRegion& changed) const;
+    void paintRegion(QPainter& painter);
+    void paintUndimmed(QPainter& painter, const QRect& region) const;
+    void paintGrabWindow(QPainter& painter);
+
+    static ScreenCaptureWnd* s_screenCaptureWnd;
+
+    QPointer<QObject> m_receiver;
+    const char* m_member = nullptr;
+    QImage* m_desktopImage = nullptr;
+    ResizableRect* m_rectCapture = nullptr;
+    int m_state = StateIdle;
+    QPoint m_pressPos;
+    QWidget* m_mainToolBar = nullptr;
+    QRect m_grabWindowRect;
+    MagnifierWidget* m_magnifier = nullptr;
+    bool m_fullDesktop = false;
+    QRect m_normalGeometry;
+    bool m_ended = false;
+
+    Q_DISABLE_COPY(ScreenCaptureWnd)
+};

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+
+/// Base of every test class: a test during which Qt prints a warning fails, save for the warnings
+/// named in BehaviourTest.cpp with their reason.
+class BehaviourTest : public QObject
+{
+    Q_OBJECT
+
+protected slots:
+    void init();
+
+private slots:
+    void cleanup();
+};
