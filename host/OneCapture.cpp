@@ -7,9 +7,10 @@
 #include <QImageWriter>
 #include <QSaveFile>
 #include <QTextStream>
+#include <utility>
 
-OneCapture::OneCapture(const CommandLine& commandLine)
-    : m_commandLine(commandLine)
+OneCapture::OneCapture(CommandLine commandLine)
+    : m_commandLine(std::move(commandLine))
 {
     connect(&m_request, &CaptureRequest::captured, this, &OneCapture::onCaptured);
     connect(&m_request, &CaptureRequest::cancelled, this,

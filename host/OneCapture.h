@@ -12,7 +12,7 @@ class OneCapture : public QObject
 public:
     enum ExitCode { Pictured = 0, Cancelled = 1, Failed = 2 };
 
-    explicit OneCapture(const CommandLine& commandLine);
+    explicit OneCapture(CommandLine commandLine);
     void start();
 
 private slots:

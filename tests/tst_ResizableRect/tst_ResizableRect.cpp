@@ -347,8 +347,7 @@ void tst_ResizableRect::rectInWidgetAllowsOneMorePixel()
 
 void tst_ResizableRect::clampingNeedsAWidget()
 {
-    if (!assertionsEnabled())
-        QSKIP("built without assertions");
+    SKIP_WITHOUT_ASSERTIONS();
     ResizableRect rect(nullptr, kRect);
     QRect r = kRect;
     QVERIFY(

@@ -311,8 +311,7 @@ void tst_ResizableRect_mouse::otherObjectsAreNotWatched()
 
 void tst_ResizableRect_mouse::filterAssertsAnEvent()
 {
-    if (!assertionsEnabled())
-        QSKIP("built without assertions");
+    SKIP_WITHOUT_ASSERTIONS();
     Host host;
     ResizableRect rect(&host, kRect);
     QVERIFY(failedAssertion([&] { rect.eventFilter(&host, nullptr); }).isEmpty());

@@ -737,8 +737,7 @@ void tst_ScreenCaptureWnd::saveCancelledLeavesEverything()
 
 void tst_ScreenCaptureWnd::eventFilterRequiresAnEvent()
 {
-    if (!assertionsEnabled())
-        QSKIP("built without assertions");
+    SKIP_WITHOUT_ASSERTIONS();
     CaptureProbe capture;
     QObject* filter = capture.window();
     QVERIFY(

@@ -64,8 +64,7 @@ const ArrowMap* flipTable(const QRect& r)
 
 QPen borderPen(const QColor& color, Qt::PenStyle style)
 {
-    return QPen(QBrush(color, Qt::SolidPattern), kBorderWidthPx, style, Qt::RoundCap,
-                Qt::RoundJoin);
+    return {QBrush(color, Qt::SolidPattern), kBorderWidthPx, style, Qt::RoundCap, Qt::RoundJoin};
 }
 
 } // namespace
@@ -458,5 +457,5 @@ void ResizableRect::renderSizeInfor(QPainter& painter) const
 QRect ResizableRect::sizeInforPaintRect() const
 {
     const QPoint above = pos() - QPoint(0, kSizeLabelPx.height());
-    return QRect(above.y() < 0 ? pos() : above, kSizeLabelPx);
+    return {above.y() < 0 ? pos() : above, kSizeLabelPx};
 }
