@@ -207,6 +207,12 @@ void tst_ScreenCaptureWnd::fullDesktopShowsTheWindowWhateverChanged()
     QVERIFY(window->isVisible());
     QCOMPARE(window->geometry(), QRect(10, 20, 300, 200));
     QTRY_VERIFY(window->isActiveWindow());
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QTRY_VERIFY(other.isActiveWindow());
+    window->showFullDesktop(false);
+    QTRY_VERIFY(window->isActiveWindow());
     window->hide();
     window->showFullDesktop(false);
     QVERIFY(window->isVisible());
