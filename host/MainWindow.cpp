@@ -59,6 +59,7 @@ void MainWindow::takeScreenshot()
 {
     if (m_request.isRunning())
         return;
+    m_place = pos();
     hide();
     m_request.start(m_delayMs + kOutOfTheWayMs);
 }
@@ -75,6 +76,7 @@ void MainWindow::showResult(const QImage& picture)
 
 void MainWindow::comeBack()
 {
+    move(m_place);
     show();
     raise();
     activateWindow();

@@ -35,6 +35,7 @@ private:
 
     const int m_delayMs;
     CaptureRequest m_request;
+    QPoint m_place;
     QImage m_picture;
     QLabel* m_view;
     QPushButton* m_new;
