@@ -33,13 +33,17 @@ void OneCapture::onCaptured(const QImage& picture)
         QCoreApplication::exit(Pictured);
 }
 
-// A file that cannot be written whole leaves the one that stood there as it was.
+// A file that cannot be written whole leaves the one that stood there as it was. That file is
+// replaced by another in the end, which a device or a pipe must not be.
 bool OneCapture::write(const QImage& picture) const
 {
-    QSaveFile file(m_commandLine.output());
-    const QByteArray format = QFileInfo(m_commandLine.output()).suffix().toLower().toLatin1();
+    const QFileInfo target(m_commandLine.output());
+    QSaveFile file(target.filePath());
+    const QByteArray format = target.suffix().toLower().toLatin1();
     QString error;
-    if (file.open(QIODevice::WriteOnly)) {
+    if (target.exists() && !target.isFile()) {
+        error = tr("not a regular file");
+    } else if (file.open(QIODevice::WriteOnly)) {
         QImageWriter writer(&file, format);
         if (!writer.write(picture))
             error = writer.errorString();

@@ -24,13 +24,11 @@ int fail(const QString& message)
     return OneCapture::Failed;
 }
 
-// The library expects its settings directory to be there.
-bool makeSettingsDir(const QString& chosen)
+QString settingsDir(const CommandLine& commandLine)
 {
-    const QString dir = chosen.isEmpty()
-                            ? QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+    const QString chosen = commandLine.settingsDir();
+    return chosen.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
                             : chosen;
-    return QDir().mkpath(dir);
 }
 
 int runOnce(const CommandLine& commandLine)
@@ -69,9 +67,10 @@ int main(int argc, char** argv)
     QApplication::setApplicationVersion(QStringLiteral(CAPTURE_HOST_VERSION));
     QApplication::setQuitOnLastWindowClosed(false);
 
-    if (!makeSettingsDir(commandLine.settingsDir()))
-        return fail(CommandLine::tr("cannot create the settings directory '%1'")
-                        .arg(commandLine.settingsDir()));
+    // The library expects its settings directory to be there.
+    const QString settings = settingsDir(commandLine);
+    if (!QDir().mkpath(settings))
+        return fail(CommandLine::tr("cannot create the settings directory '%1'").arg(settings));
     return commandLine.action() == CommandLine::Action::Once ? runOnce(commandLine)
                                                              : runWindow(commandLine);
 }
