@@ -11,7 +11,5 @@ class BehaviourTest : public QObject
 
 protected slots:
     void init();
-
-private slots:
     void cleanup();
 };

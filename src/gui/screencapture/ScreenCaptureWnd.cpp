@@ -4,6 +4,7 @@
 #include "MagnifierWidget.h"
 #include "OverlayGeometry.h"
 #include "ResizableRect.h"
+#include "ScribbleArea.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -108,6 +109,21 @@ void ScreenCaptureWnd::initToolBars()
     m_mainToolBar->hide();
 }
 
+// The canvas is created once and reused; each time it takes the region's pixels from the desktop.
+void ScreenCaptureWnd::initScribbleArea()
+{
+    if (!m_scribbleArea) {
+        m_scribbleArea = new ScribbleArea(this);
+        m_scribbleArea->installEventFilter(this);
+        m_scribbleArea->setWindowFlags(Qt::FramelessWindowHint);
+        m_scribbleArea->setStyleSheet(kTransparentStyleSheet);
+        m_scribbleArea->stackUnder(m_mainToolBar);
+    }
+    m_scribbleArea->setGeometry(m_rectCapture->rect());
+    m_scribbleArea->setImage(captureImage());
+    m_scribbleArea->show();
+}
+
 void ScreenCaptureWnd::connectTo(QObject* receiver, const char* member)
 {
     if (m_receiver && m_member)
@@ -138,7 +154,10 @@ QImage ScreenCaptureWnd::captureImage() const
 
 QImage ScreenCaptureWnd::scribbledImage() const
 {
-    return captureImage();
+    if (!m_scribbleArea)
+        return captureImage();
+    m_scribbleArea->completeScribble();
+    return m_scribbleArea->image();
 }
 
 void ScreenCaptureWnd::reset()
@@ -146,6 +165,8 @@ void ScreenCaptureWnd::reset()
     m_state = StateIdle;
     m_rectCapture->setEnabled(true);
     m_rectCapture->setVisible(false);
+    if (m_scribbleArea)
+        m_scribbleArea->hide();
     m_mainToolBar->hide();
     updateMagnifierAtCursor();
     m_magnifier->show();
@@ -155,11 +176,21 @@ void ScreenCaptureWnd::reset()
 
 void ScreenCaptureWnd::undo()
 {
-    if (m_state != StateIdle)
+    if (!m_scribbleArea) {
+        if (m_state != StateIdle)
+            reset();
+    } else if (m_scribbleArea->canUndo()) {
+        m_scribbleArea->undo();
+    } else {
         reset();
+    }
 }
 
-void ScreenCaptureWnd::redo() {}
+void ScreenCaptureWnd::redo()
+{
+    if (m_scribbleArea)
+        m_scribbleArea->redo();
+}
 
 void ScreenCaptureWnd::save()
 {
@@ -204,6 +235,8 @@ void ScreenCaptureWnd::reject()
 bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
 {
     Q_ASSERT(event != NULL);
+    if (watched == m_scribbleArea && event->type() == QEvent::MouseButtonDblClick)
+        accept();
     return QDialog::eventFilter(watched, event);
 }
 
@@ -318,9 +351,11 @@ void ScreenCaptureWnd::updateGrabWindowRect(const QPoint& globalPos)
     update();
 }
 
-void ScreenCaptureWnd::onCaptureRectChanged(const QRect& /*rect*/)
+void ScreenCaptureWnd::onCaptureRectChanged(const QRect& rect)
 {
     Q_ASSERT(m_rectCapture != NULL);
+    if (m_scribbleArea)
+        m_scribbleArea->setGeometry(rect);
     updateMainToolBarPos(0);
 }
 
@@ -351,7 +386,11 @@ void ScreenCaptureWnd::paintDesktop(QPainter& painter, const QRegion& changed) c
 
 void ScreenCaptureWnd::paintRegion(QPainter& painter)
 {
-    paintUndimmed(painter, m_rectCapture->rect());
+    const QRect region = m_rectCapture->rect();
+    if (m_scribbleArea && m_scribbleArea->isVisible())
+        painter.drawImage(region.topLeft(), m_scribbleArea->image());
+    else
+        paintUndimmed(painter, region);
     m_rectCapture->render(painter);
 }
 

@@ -12,6 +12,7 @@
 
 class MagnifierWidget;
 class ResizableRect;
+class ScribbleArea;
 
 /// The one window through which an application takes a screenshot.
 ///
@@ -96,6 +97,9 @@ protected:
 private:
     enum CaptureState { StateIdle = 0, StateSelecting = 1, StateSelected = 2, StateAnnotating = 3 };
 
+    /// Tests put a tool in the user's hand through this.
+    friend struct ScreenCaptureWndAccess;
+
     ScreenCaptureWnd();
 
     void init();
@@ -103,6 +107,7 @@ private:
     void initCaptureRect();
     void initMagnifier();
     void initToolBars();
+    void initScribbleArea();
 
     bool beginEnd();
     void updateMagnifier(const QPoint& pos);
@@ -129,6 +134,7 @@ private:
     ResizableRect* m_rectCapture = nullptr;
     int m_state = StateIdle;
     QPoint m_pressPos;
+    ScribbleArea* m_scribbleArea = nullptr;
     QWidget* m_mainToolBar = nullptr;
     QRect m_grabWindowRect;
     MagnifierWidget* m_magnifier = nullptr;

@@ -1,0 +1,608 @@
+// SPDX-License-Identifier: MIT
+#include "ScribbleArea.h"
+
+#include "MosaicPixels.h"
+#include "ResizableRect.h"
+
+#include <QBrush>
+#include <QCursor>
+#include <QImageReader>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPixmap>
+#include <QTextEdit>
+#include <QVector2D>
+
+namespace
+{
+
+constexpr int kMosaicRebuildDelayMs = 300;
+constexpr int kStrokeMarginPx = 2;
+constexpr int kTextInsetPx = 4;
+constexpr int kMinDragWidthPx = 4;
+constexpr int kMinDragHeightPx = 4;
+constexpr qreal kScribblePenWidthPx = 2.0;
+constexpr qreal kShapePenWidthPx = 2.0;
+constexpr qreal kArrowPenWidthPx = 6.0;
+
+const QColor kShapeColor(251, 56, 56, 255);
+
+// Intended: the closing brace without an opening one stands as it is.
+const char* const kTransparentStyleSheet =
+    "background:rgba(0,0,0,0%); border-width:0; border-style:outset}";
+
+QPen shapePen(qreal width, Qt::PenJoinStyle join)
+{
+    return {QBrush(kShapeColor, Qt::SolidPattern), width, Qt::SolidLine, Qt::RoundCap, join};
+}
+
+QRect strokeArea(const QPoint& from, const QPoint& to, int width)
+{
+    const int margin = width / 2 + kStrokeMarginPx;
+    return QRect(from, to).normalized().adjusted(-margin, -margin, margin, margin);
+}
+
+// Intended: to the right and down 3 pixels are enough, to the left and up it takes 5, because a
+// rectangle's width is its right edge minus its left edge plus one.
+bool isDrag(const QRect& r)
+{
+    return qAbs(r.width()) >= kMinDragWidthPx || qAbs(r.height()) >= kMinDragHeightPx;
+}
+
+} // namespace
+
+ScribbleArea::ScribbleArea(QWidget* parent)
+    : QWidget(parent)
+    , m_scribblePen(QBrush(Qt::blue, Qt::SolidPattern), kScribblePenWidthPx, Qt::SolidLine,
+                    Qt::RoundCap, Qt::RoundJoin)
+{
+    setAttribute(Qt::WA_StaticContents);
+    setMouseTracking(true);
+    setCursor(QCursor(Qt::CrossCursor));
+
+    m_graphPens[GRAPH_RECT] = shapePen(kShapePenWidthPx, Qt::MiterJoin);
+    m_graphPens[GRAPH_ELLIPSE] = shapePen(kShapePenWidthPx, Qt::RoundJoin);
+    m_graphPens[GRAPH_ARROW] = shapePen(kArrowPenWidthPx, Qt::RoundJoin);
+
+    m_resizableRect = new ResizableRect(this, QRect());
+    m_resizableRect->setVisible(false);
+    connect(m_resizableRect, SIGNAL(rectChanged(const QRect&)), this,
+            SLOT(onResizableRectChanged(const QRect&)));
+
+    connect(&m_mosaicTimer, SIGNAL(timeout()), this, SLOT(onupdateMosaicImage()));
+    m_mosaicTimer.setSingleShot(true);
+    m_mosaicTimer.setInterval(kMosaicRebuildDelayMs);
+}
+
+void ScribbleArea::setImage(const QImage& image)
+{
+    reset();
+    m_image = image;
+    update();
+}
+
+void ScribbleArea::reset()
+{
+    setPaintTypeToScribble();
+    m_modified = false;
+    clearDiffRect();
+}
+
+bool ScribbleArea::openImage(const QString& fileName)
+{
+    QImageReader reader(fileName);
+    reader.setDecideFormatFromContent(true);
+    const QImage loaded = reader.read();
+    if (loaded.isNull())
+        return false;
+    setImage(loaded);
+    return true;
+}
+
+bool ScribbleArea::saveImage(const QString& fileName, const char* fileFormat)
+{
+    finishResizableRect();
+    if (!m_image.save(fileName, fileFormat))
+        return false;
+    m_modified = false;
+    return true;
+}
+
+// Intended: no history entry.
+void ScribbleArea::clearImage()
+{
+    m_image.fill(qRgb(255, 255, 255));
+    m_modified = true;
+    update();
+}
+
+void ScribbleArea::completeScribble()
+{
+    finishResizableRect();
+}
+
+void ScribbleArea::setPaintType(PAINT_TYPE type)
+{
+    if (m_resizableRect->isVisible())
+        finishResizableRect();
+    m_paintType = type;
+    m_resizableRect->setGraphPenWidth(type == PAINT_GRAPH ? currentGraphPen().width() : 0);
+}
+
+void ScribbleArea::setPaintTypeToScribble()
+{
+    setPaintType(PAINT_SCRIBBLE);
+    setCursor(QCursor(Qt::CrossCursor));
+}
+
+void ScribbleArea::setPaintTypeToText()
+{
+    setPaintType(PAINT_TEXT);
+    setCursor(QCursor(Qt::CrossCursor));
+}
+
+void ScribbleArea::setPaintTypeToGraph()
+{
+    setPaintType(PAINT_GRAPH);
+    setCursor(QCursor(Qt::CrossCursor));
+}
+
+void ScribbleArea::setPaintTypeToMosaic()
+{
+    setMosaicCursorRadius(m_mosaicPenWidth);
+    setPaintType(PAINT_MOSAIC);
+    updateMosaicImage();
+    resetMosaicTrack();
+}
+
+void ScribbleArea::setGraphState(int state)
+{
+    m_graphState = state;
+    if (m_paintType == PAINT_GRAPH)
+        m_resizableRect->setGraphPenWidth(currentGraphPen().width());
+}
+
+void ScribbleArea::initArrow()
+{
+    m_resizableRect->initArrow();
+}
+
+QPen ScribbleArea::currentGraphPen() const
+{
+    return m_graphPens.value(static_cast<GRAPH_STATE>(m_graphState));
+}
+
+void ScribbleArea::setScribblePen(const QPen& pen)
+{
+    m_scribblePen = pen;
+}
+
+void ScribbleArea::setRectPen(const QPen& pen)
+{
+    m_graphPens[GRAPH_RECT] = pen;
+    if (m_paintType == PAINT_GRAPH && m_graphState == GRAPH_RECT)
+        m_resizableRect->setGraphPenWidth(pen.width());
+    update();
+}
+
+void ScribbleArea::setEllipsePen(const QPen& pen)
+{
+    m_graphPens[GRAPH_ELLIPSE] = pen;
+    if (m_paintType == PAINT_GRAPH && m_graphState == GRAPH_ELLIPSE)
+        m_resizableRect->setGraphPenWidth(pen.width());
+    update();
+}
+
+// Intended: unlike the other two, the frame does not learn the new width.
+void ScribbleArea::setArrowPen(const QPen& pen)
+{
+    m_graphPens[GRAPH_ARROW] = pen;
+    update();
+}
+
+void ScribbleArea::setMosaicPen(const QPen& pen)
+{
+    m_mosaicPenWidth = pen.width();
+    setMosaicCursorRadius(m_mosaicPenWidth);
+}
+
+QPen ScribbleArea::mosaicPen() const
+{
+    QPen pen;
+    pen.setWidth(m_mosaicPenWidth);
+    return pen;
+}
+
+void ScribbleArea::mousePressEvent(QMouseEvent* event)
+{
+    if (m_resizableRect->isVisible() && !m_resizableRect->contains(event->pos()))
+        finishResizableRect();
+    if (event->button() != Qt::LeftButton)
+        return;
+
+    m_lastPoint = event->pos();
+    if (m_resizableRect->isVisible()) {
+        m_pressOutsideRect = !m_resizableRect->contains(m_lastPoint);
+    } else {
+        m_pressOutsideRect = false;
+        // Intended: whatever the tool.
+        if (m_graphState == GRAPH_ARROW) {
+            initArrow();
+            m_resizableRect->setArrowTail(m_lastPoint);
+            m_resizableRect->setArrowHead(m_lastPoint);
+        }
+    }
+
+    if (m_paintType == PAINT_SCRIBBLE) {
+        m_scribbling = true;
+        initForDiff(m_lastPoint);
+    } else if (m_paintType == PAINT_MOSAIC) {
+        m_mosaicking = true;
+        initForDiff(m_lastPoint);
+    }
+}
+
+void ScribbleArea::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!(event->buttons() & Qt::LeftButton))
+        return;
+    if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
+        drawLineTo(event->pos());
+    } else if (m_paintType == PAINT_MOSAIC && m_mosaicking) {
+        drawMosaic(m_lastPoint, event->pos(), m_mosaicPenWidth);
+        m_lastPoint = event->pos();
+    } else if (m_paintType == PAINT_TEXT || m_paintType == PAINT_GRAPH) {
+        dragFrame(event->pos());
+    }
+    // The parent paints the picture.
+    if (parentWidget())
+        parentWidget()->update();
+}
+
+void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
+        // Intended: m_scribbling stays set.
+        drawLineTo(event->pos());
+        saveDiffRect();
+    } else if (m_paintType == PAINT_MOSAIC && m_mosaicking) {
+        m_mosaicking = false;
+        drawMosaic(m_lastPoint, event->pos(), m_mosaicPenWidth);
+        m_lastPoint = event->pos();
+        saveDiffRect();
+    } else if (m_creatingGraph) {
+        m_creatingGraph = false;
+        if (m_paintType == PAINT_TEXT)
+            startText();
+        m_resizableRect->setVisible(true);
+    }
+}
+
+// A stroke of one point is a dot, which Qt draws as a point but not as a line without length.
+void ScribbleArea::drawLineTo(const QPoint& endPoint)
+{
+    if (!m_image.isNull()) {
+        QPainter painter(&m_image);
+        painter.setPen(m_scribblePen);
+        const bool firstSegment = m_diffRect.size() == QSize(1, 1);
+        if (endPoint != m_lastPoint)
+            painter.drawLine(m_lastPoint, endPoint);
+        else if (firstSegment)
+            painter.drawPoint(endPoint);
+    }
+    m_modified = true;
+
+    const QRect area = strokeArea(m_lastPoint, endPoint, m_scribblePen.width());
+    update(area);
+    m_lastPoint = endPoint;
+    m_diffRect |= area;
+}
+
+void ScribbleArea::dragFrame(const QPoint& pos)
+{
+    const QRect dragged(m_lastPoint, pos);
+    if (m_creatingGraph) {
+        if (m_graphState == GRAPH_ARROW)
+            m_resizableRect->setArrowHead(pos);
+        m_resizableRect->setRect(dragged.normalized());
+        return;
+    }
+    const bool frameDragsItself = m_resizableRect->isVisible() && !m_pressOutsideRect;
+    if (frameDragsItself || !isDrag(dragged))
+        return;
+    if (m_resizableRect->isVisible())
+        finishResizableRect();
+    m_resizableRect->setRect(dragged.normalized());
+    m_creatingGraph = true;
+}
+
+// Intended: in shape mode every call draws the shape and records an entry, shown or not.
+void ScribbleArea::finishResizableRect()
+{
+    initForDiff(QPoint(0, 0));
+    if (m_paintType == PAINT_TEXT && m_textEdit) {
+        if (drawText())
+            saveDiffRect();
+        m_textEdit->hide();
+    } else if (m_paintType == PAINT_GRAPH) {
+        drawGraph();
+        saveDiffRect();
+    }
+    m_resizableRect->setVisible(false);
+    m_resizableRect->setRect(QRect());
+}
+
+void ScribbleArea::drawGraph()
+{
+    if (!m_image.isNull()) {
+        QPainter painter(&m_image);
+        renderGraph(painter);
+    }
+    m_modified = true;
+    // Intended: the frame grown by half the pen, whatever the shape reaches.
+    const int half = currentGraphPen().width() / 2;
+    m_diffRect = m_resizableRect->rect().adjusted(-half, -half, half + 1, half + 1);
+}
+
+void ScribbleArea::renderGraph(QPainter& painter)
+{
+    painter.setPen(currentGraphPen());
+    const QRect r = m_resizableRect->rect();
+    switch (m_graphState) {
+    case GRAPH_RECT:
+        painter.drawRect(r);
+        break;
+    case GRAPH_ELLIPSE:
+        painter.setRenderHint(QPainter::Antialiasing, true);
+        painter.drawEllipse(r);
+        break;
+    case GRAPH_ARROW: {
+        ArrowAttribute attribute;
+        attribute.setWidth(currentGraphPen().width());
+        drawArrow(painter, QRect(m_resizableRect->arrowTail(), m_resizableRect->arrowHead()),
+                  attribute);
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+void ScribbleArea::drawArrow(QPainter& painter, const QRect& rect, const ArrowAttribute& attribute)
+{
+    painter.save();
+    painter.setBrush(QBrush(painter.pen().color(), Qt::SolidPattern));
+    QPen outline = painter.pen();
+    outline.setWidth(1);
+    painter.setPen(outline);
+    painter.setRenderHint(QPainter::Antialiasing, true);
+
+    const QVector2D tail(rect.topLeft());
+    const QVector2D head(rect.bottomRight());
+    const QVector2D d = head - tail;
+    const QVector2D u = d.normalized();
+    const QVector2D n(-u.y(), u.x());
+    const QVector2D b =
+        u * static_cast<float>(static_cast<double>(d.length()) - attribute.headLength);
+
+    // The offsets are rounded before the rounded tail is added to them.
+    const QPoint origin = tail.toPoint();
+    const QVector2D shaftSide = n * static_cast<float>(attribute.lineWidth);
+    const QVector2D headSide = n * static_cast<float>(attribute.headHalfWidth);
+    const QVector2D tip = tail + b + b.normalized() * static_cast<float>(attribute.headLength);
+    const QPoint shaftPoints[] = {origin, (shaftSide + b).toPoint() + origin,
+                                  (-shaftSide + b).toPoint() + origin};
+    const QPoint headPoints[] = {tip.toPoint(), (headSide + b).toPoint() + origin,
+                                 (-headSide + b).toPoint() + origin};
+    painter.drawPolygon(shaftPoints, 3, Qt::WindingFill);
+    painter.drawPolygon(headPoints, 3, Qt::WindingFill);
+    painter.restore();
+}
+
+void ScribbleArea::onResizableRectChanged(const QRect& /*rect*/)
+{
+    if (m_paintType == PAINT_TEXT && m_textEdit)
+        m_textEdit->setGeometry(m_resizableRect->rect().adjusted(kTextInsetPx, kTextInsetPx,
+                                                                 -kTextInsetPx, -kTextInsetPx));
+}
+
+void ScribbleArea::initTextEdit()
+{
+    Q_ASSERT(m_textEdit == NULL);
+    m_textEdit = new QTextEdit(this);
+    m_textEdit->setWindowFlags(Qt::FramelessWindowHint);
+    m_textEdit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_textEdit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_textEdit->setLineWrapMode(QTextEdit::NoWrap);
+    m_textEdit->setUndoRedoEnabled(false);
+    m_textEdit->setStyleSheet(kTransparentStyleSheet);
+    // What the style sheet says, since Qt does not read one with a stray brace.
+    m_textEdit->setFrameStyle(QFrame::NoFrame);
+    m_textEdit->viewport()->setAutoFillBackground(false);
+    m_textEdit->setGeometry(
+        m_resizableRect->rect().adjusted(kTextInsetPx, kTextInsetPx, -kTextInsetPx, -kTextInsetPx));
+    m_textEdit->hide();
+}
+
+void ScribbleArea::ensureTextEdit()
+{
+    if (!m_textEdit)
+        initTextEdit();
+}
+
+void ScribbleArea::startText()
+{
+    ensureTextEdit();
+    onResizableRectChanged(m_resizableRect->rect());
+    m_textEdit->setText(QString());
+    m_textEdit->setFocus();
+    m_textEdit->show();
+}
+
+void ScribbleArea::setTextFontSize(int size)
+{
+    ensureTextEdit();
+    QFont font = m_textEdit->currentFont();
+    font.setPointSize(size);
+    m_textEdit->setFont(font);
+    m_textEdit->update();
+}
+
+void ScribbleArea::setTextColor(const QColor& color)
+{
+    ensureTextEdit();
+    m_textEdit->setTextColor(color);
+    m_textEdit->update();
+}
+
+bool ScribbleArea::drawText()
+{
+    Q_ASSERT(m_textEdit != NULL);
+    if (m_textEdit->toPlainText().trimmed().isEmpty())
+        return false;
+    const QPoint pos = m_textEdit->mapToParent(QPoint(0, 0));
+    // Without focus no text cursor is drawn.
+    m_textEdit->clearFocus();
+    if (!m_image.isNull()) {
+        QPainter painter(&m_image);
+        m_textEdit->render(&painter, pos, QRegion(),
+                           QWidget::DrawWindowBackground | QWidget::DrawChildren);
+    }
+    m_modified = true;
+    m_diffRect = m_textEdit->rect();
+    m_diffRect.moveTopLeft(pos);
+    return true;
+}
+
+void ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
+{
+    const QRect area = strokeArea(from, to, width);
+    if (!m_mosaicTrack.isNull()) {
+        QPainter painter(&m_mosaicTrack);
+        QPen pen = painter.pen();
+        pen.setColor(QColor(255, 255, 255, 255));
+        pen.setWidth(width);
+        pen.setCapStyle(Qt::RoundCap);
+        painter.setPen(pen);
+        if (from == to)
+            painter.drawPoint(from);
+        else
+            painter.drawLine(from, to);
+    }
+
+    // Intended: the bounds are the widget's, and the last column and row of the area are left out.
+    const QPoint first(qMax(area.left(), 0), qMax(area.top(), 0));
+    const QPoint last(qMin(area.right(), this->width()) - 1, qMin(area.bottom(), height()) - 1);
+    mosaic::copyWhereWhite(m_image, m_mosaicImage, m_mosaicTrack, QRect(first, last));
+    update(area);
+    m_diffRect |= area;
+}
+
+void ScribbleArea::updateMosaicImage()
+{
+    m_mosaicImage = QImage(m_image.size(), QImage::Format_ARGB32);
+    mosaic::pixelate(m_mosaicImage, m_image, m_mosaicBlur);
+}
+
+void ScribbleArea::onupdateMosaicImage()
+{
+    updateMosaicImage();
+}
+
+void ScribbleArea::resetMosaicTrack()
+{
+    m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
+    m_mosaicTrack.fill(QColor(0, 0, 0, 0));
+}
+
+void ScribbleArea::setMosaicBlur(int blur)
+{
+    m_mosaicBlur = blur;
+    m_mosaicTimer.start();
+}
+
+void ScribbleArea::setMosaicCursorRadius(int size)
+{
+    QImage circle(size, size, QImage::Format_ARGB32);
+    if (circle.isNull())
+        return;
+    circle.fill(QColor(0, 0, 0, 0));
+    QPainter painter(&circle);
+    painter.drawEllipse(QRect(QPoint(1, 1), QSize(size - 2, size - 2)));
+    painter.end();
+    setCursor(QCursor(QPixmap::fromImage(circle), -1, -1));
+}
+
+void ScribbleArea::initForDiff(const QPoint& pos)
+{
+    m_diffImage = m_image;
+    m_diffRect = QRect(pos, pos);
+}
+
+// An empty rectangle holds no pixels: a copy of it would be a copy of the whole picture.
+void ScribbleArea::saveDiffRect()
+{
+    DiffRect entry;
+    entry.position = m_diffRect.topLeft();
+    if (!m_diffRect.isEmpty())
+        entry.image = m_diffImage.copy(m_diffRect);
+    if (!entry.image.isNull()) {
+        QPainter painter(&entry.image);
+        painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
+        painter.drawImage(entry.image.rect(), m_image, m_diffRect);
+    }
+    m_diffRectStack.erase(m_diffRectStack.begin() + m_currentDiffIndex, m_diffRectStack.end());
+    m_diffRectStack.append(entry);
+    ++m_currentDiffIndex;
+}
+
+void ScribbleArea::restoreDiffRect()
+{
+    Q_ASSERT(m_currentDiffIndex >= 0 && m_currentDiffIndex < m_diffRectStack.size());
+    const DiffRect& entry = m_diffRectStack.at(m_currentDiffIndex);
+    if (!entry.image.isNull() && !m_image.isNull()) {
+        QPainter painter(&m_image);
+        painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
+        painter.drawImage(entry.position, entry.image);
+    }
+    update(m_image.rect());
+}
+
+void ScribbleArea::undo()
+{
+    if (m_resizableRect->isVisible())
+        finishResizableRect();
+    if (!canUndo())
+        return;
+    if (m_textEdit && m_textEdit->isVisible()) {
+        m_textEdit->hide();
+        m_resizableRect->setVisible(false);
+    }
+    --m_currentDiffIndex;
+    restoreDiffRect();
+}
+
+void ScribbleArea::redo()
+{
+    if (!canRedo())
+        return;
+    restoreDiffRect();
+    ++m_currentDiffIndex;
+}
+
+void ScribbleArea::clearDiffRect()
+{
+    m_diffRectStack.clear();
+    m_currentDiffIndex = 0;
+}
+
+void ScribbleArea::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    if (m_paintType == PAINT_GRAPH)
+        renderGraph(painter);
+    if (m_resizableRect->isVisible())
+        m_resizableRect->render(painter);
+}

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QList>
+#include <QMap>
+#include <QPen>
+#include <QPoint>
+#include <QRect>
+#include <QTimer>
+#include <QWidget>
+
+class ResizableRect;
+class QTextEdit;
+
+/// The measures of an arrow in pixels.
+struct ArrowAttribute {
+    /// Sets all three from a pen's width.
+    void setWidth(int w)
+    {
+        lineWidth = w;
+        headHalfWidth = 2 * w;
+        headLength = 2 * w;
+    }
+
+    int lineWidth = 5;
+    int headHalfWidth = 10;
+    int headLength = 10;
+};
+
+/// The annotation canvas: a transparent widget that owns the picture being annotated and turns
+/// mouse input into drawing on it, with a pen, text boxes, shapes and a mosaic brush.
+///
+/// The parent widget paints image() beneath; the canvas itself paints only the shape being edited
+/// and its frame. It must have the picture's size; coordinates are pixels of both. Shapes and texts
+/// stay editable in their frame until they are committed: by a press outside the frame, a change of
+/// tool, undo(), saveImage() or completeScribble(). Every committed edit can be undone.
+///
+/// Pictures are 32 bits deep and opaque: undo restores these exactly. GUI thread only.
+class ScribbleArea : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum PAINT_TYPE { PAINT_SCRIBBLE = 0, PAINT_TEXT = 1, PAINT_GRAPH = 2, PAINT_MOSAIC = 3 };
+    enum GRAPH_STATE { GRAPH_RECT = 0, GRAPH_ELLIPSE = 1, GRAPH_ARROW = 2 };
+
+    /// One entry of the history: the changed rectangle's corner, and its pixels before the edit
+    /// XOR those after it.
+    struct DiffRect {
+        QPoint position;
+        QImage image;
+    };
+
+    explicit ScribbleArea(QWidget* parent = nullptr);
+
+    /// Starts over with `image`: pen tool, not modified, no history.
+    void setImage(const QImage& image);
+    void reset();
+    /// False, and nothing changed, when the file holds no picture that can be read.
+    bool openImage(const QString& fileName);
+    /// Commits what is being edited, then writes; false when that failed.
+    bool saveImage(const QString& fileName, const char* fileFormat);
+    /// Fills the picture white. Makes no history entry: it cannot be undone.
+    void clearImage();
+    QImage image() const { return m_image; }
+    /// Commits what is being edited.
+    void completeScribble();
+
+    void setPaintType(PAINT_TYPE type);
+    void setPaintTypeToScribble();
+    void setPaintTypeToText();
+    void setPaintTypeToGraph();
+    /// Also pixelates the picture as it is now and forgets where the brush has been.
+    void setPaintTypeToMosaic();
+    void setGraphState(int state);
+    /// Puts the frame into its initial arrow layout, bottom-left to top-right.
+    void initArrow();
+
+    void setScribblePen(const QPen& pen);
+    void setRectPen(const QPen& pen);
+    void setEllipsePen(const QPen& pen);
+    void setArrowPen(const QPen& pen);
+    /// Only the width is kept, which is the brush's diameter in pixels.
+    void setMosaicPen(const QPen& pen);
+    QPen scribblePen() const { return m_scribblePen; }
+    QPen rectPen() const { return m_graphPens.value(GRAPH_RECT); }
+    QPen ellipsePen() const { return m_graphPens.value(GRAPH_ELLIPSE); }
+    QPen arrowPen() const { return m_graphPens.value(GRAPH_ARROW); }
+    QPen mosaicPen() const;
+    /// Edge of a mosaic block in pixels, positive; takes effect 300 ms after the last call.
+    void setMosaicBlur(int blur);
+    /// Point size of the whole text box.
+    void setTextFontSize(int size);
+    /// Colour of what is typed next.
+    void setTextColor(const QColor& color);
+
+    /// Commits what is being edited, and so takes back that very edit.
+    void undo();
+    void redo();
+    bool canUndo() const { return m_currentDiffIndex >= 1; }
+    bool canRedo() const { return m_currentDiffIndex < m_diffRectStack.size(); }
+
+    /// Draws an arrow from `rect.topLeft()` to `rect.bottomRight()`; the rectangle only carries the
+    /// two points.
+    static void drawArrow(QPainter& painter, const QRect& rect, const ArrowAttribute& attribute);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private slots:
+    void onResizableRectChanged(const QRect& rect);
+    void onupdateMosaicImage();
+
+private:
+    /// Tests look at the history through this.
+    friend struct ScribbleAreaAccess;
+
+    void drawLineTo(const QPoint& endPoint);
+    void drawMosaic(const QPoint& from, const QPoint& to, int width);
+    void updateMosaicImage();
+    void resetMosaicTrack();
+    void setMosaicCursorRadius(int size);
+
+    void dragFrame(const QPoint& pos);
+    void finishResizableRect();
+    void renderGraph(QPainter& painter);
+    void drawGraph();
+    QPen currentGraphPen() const;
+
+    void initTextEdit();
+    void ensureTextEdit();
+    void startText();
+    bool drawText();
+
+    void initForDiff(const QPoint& pos);
+    void saveDiffRect();
+    void restoreDiffRect();
+    void clearDiffRect();
+
+    QImage m_image;
+    bool m_modified = false;
+    PAINT_TYPE m_paintType = PAINT_SCRIBBLE;
+    QPen m_scribblePen;
+    bool m_scribbling = false;
+    bool m_mosaicking = false;
+    int m_mosaicBlur = 2;
+    int m_mosaicPenWidth = 16;
+    QImage m_mosaicImage;
+    QImage m_mosaicTrack;
+    QTimer m_mosaicTimer;
+    QPoint m_lastPoint;
+    bool m_creatingGraph = false;
+    bool m_pressOutsideRect = false;
+    ResizableRect* m_resizableRect = nullptr;
+    QTextEdit* m_textEdit = nullptr;
+    int m_graphState = GRAPH_ELLIPSE;
+    QMap<GRAPH_STATE, QPen> m_graphPens;
+    QImage m_diffImage;
+    QList<DiffRect> m_diffRectStack;
+    QRect m_diffRect;
+    int m_currentDiffIndex = 0;
+};

@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+#include "BehaviourTest.h"
+#include "MosaicPixels.h"
+
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QtTest>
+
+namespace
+{
+
+QImage noise(const QSize& size, quint32 seed, QImage::Format format = QImage::Format_ARGB32)
+{
+    QImage image(size, format);
+    QRandomGenerator random(seed);
+    for (int y = 0; y < size.height(); ++y) {
+        auto* pixels = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < size.width(); ++x)
+            pixels[x] = random.generate();
+    }
+    return image;
+}
+
+/// Block by block with a painter, pixel by pixel with plain sums.
+QImage reference(const QImage& src, int blockSize)
+{
+    QImage dst(src.size(), QImage::Format_ARGB32);
+    QPainter painter(&dst);
+    for (int x = 0; x < src.width(); x += blockSize) {
+        for (int y = 0; y < src.height(); y += blockSize) {
+            const QRect cell = QRect(x, y, blockSize, blockSize) & src.rect();
+            quint32 red = 0;
+            quint32 green = 0;
+            quint32 blue = 0;
+            for (int cy = cell.top(); cy <= cell.bottom(); ++cy) {
+                const auto* pixels = reinterpret_cast<const QRgb*>(src.constScanLine(cy));
+                for (int cx = cell.left(); cx <= cell.right(); ++cx) {
+                    red += quint32(qRed(pixels[cx]));
+                    green += quint32(qGreen(pixels[cx]));
+                    blue += quint32(qBlue(pixels[cx]));
+                }
+            }
+            const quint32 n = quint32(cell.width() * cell.height());
+            painter.fillRect(cell, QColor(int(red / n), int(green / n), int(blue / n), 255));
+        }
+    }
+    return dst;
+}
+
+} // namespace
+
+class tst_MosaicPixels : public BehaviourTest
+{
+    Q_OBJECT
+
+private slots:
+    void averagesTruncate();
+    void averagesAreExactNextToAWholeNumber();
+    void lastBlocksAreCut();
+    void pixelateMatchesTheReference_data();
+    void pixelateMatchesTheReference();
+    void blockLargerThanThePicture();
+    void blocksOfMoreThan16BitSums();
+    void emptyAndShallowPicturesAreHarmless();
+    void copiesWhereTheMaskIsWhite();
+    void copyNeverLeavesThePictures();
+};
+
+void tst_MosaicPixels::averagesTruncate()
+{
+    QImage image(2, 1, QImage::Format_ARGB32);
+    image.setPixel(0, 0, qRgba(10, 255, 0, 0));
+    image.setPixel(1, 0, qRgba(11, 254, 1, 17));
+    QCOMPARE(mosaic::averageColor(image, QRect(0, 0, 2, 1)), qRgba(10, 254, 0, 255));
+    QCOMPARE(mosaic::averageColor(image, QRect(1, 0, 1, 1)), qRgba(11, 254, 1, 255));
+}
+
+// One less in one pixel of a uniform block takes the truncated average down by one.
+void tst_MosaicPixels::averagesAreExactNextToAWholeNumber()
+{
+    for (int block = 2; block <= 80; ++block) {
+        for (int value : {1, 77, 128, 200, 255}) {
+            QImage src(block, block, QImage::Format_RGB32);
+            src.fill(QColor(value, value, value));
+            QImage dst(src.size(), QImage::Format_ARGB32);
+            mosaic::pixelate(dst, src, block);
+            QCOMPARE(dst.pixel(0, 0), qRgb(value, value, value));
+            src.setPixel(1, 1, qRgb(value - 1, value, value));
+            mosaic::pixelate(dst, src, block);
+            QCOMPARE(dst.pixel(block - 1, block - 1), qRgb(value - 1, value, value));
+        }
+    }
+}
+
+void tst_MosaicPixels::lastBlocksAreCut()
+{
+    const QImage src = noise(QSize(5, 5), 3);
+    QImage dst(5, 5, QImage::Format_ARGB32);
+    mosaic::pixelate(dst, src, 2);
+    QCOMPARE(dst.pixel(4, 4), src.pixel(4, 4) | 0xff000000u);
+    QCOMPARE(dst.pixel(4, 0), mosaic::averageColor(src, QRect(4, 0, 1, 2)));
+    QCOMPARE(dst.pixel(1, 4), mosaic::averageColor(src, QRect(0, 4, 2, 1)));
+}
+
+void tst_MosaicPixels::pixelateMatchesTheReference_data()
+{
+    QTest::addColumn<QSize>("size");
+    for (const QSize& size :
+         {QSize(1, 1), QSize(1, 7), QSize(9, 1), QSize(64, 64), QSize(101, 67), QSize(640, 359)})
+        QTest::newRow(qPrintable(QString("%1 x %2").arg(size.width()).arg(size.height()))) << size;
+}
+
+void tst_MosaicPixels::pixelateMatchesTheReference()
+{
+    QFETCH(QSize, size);
+    for (const QImage::Format format :
+         {QImage::Format_RGB32, QImage::Format_ARGB32, QImage::Format_ARGB32_Premultiplied}) {
+        const QImage src = noise(size, 11, format);
+        for (int block = 1; block <= 64; ++block) {
+            QImage dst(size, QImage::Format_ARGB32);
+            mosaic::pixelate(dst, src, block);
+            QVERIFY2(dst == reference(src, block), qPrintable(QString("block %1").arg(block)));
+        }
+    }
+    const QImage large = noise(QSize(3840, 2160), 5);
+    QImage dst(large.size(), QImage::Format_ARGB32);
+    mosaic::pixelate(dst, large, 7);
+    QCOMPARE(dst, reference(large, 7));
+}
+
+void tst_MosaicPixels::blockLargerThanThePicture()
+{
+    const QImage src = noise(QSize(10, 4), 2);
+    QImage dst(10, 4, QImage::Format_ARGB32);
+    mosaic::pixelate(dst, src, 1000000);
+    QCOMPARE(dst.pixel(9, 3), mosaic::averageColor(src, src.rect()));
+    QCOMPARE(dst.pixel(0, 0), mosaic::averageColor(src, src.rect()));
+}
+
+void tst_MosaicPixels::blocksOfMoreThan16BitSums()
+{
+    const QImage src = noise(QSize(700, 600), 4);
+    for (int block : {256, 257, 258, 300, 1000}) {
+        QImage dst(src.size(), QImage::Format_ARGB32);
+        mosaic::pixelate(dst, src, block);
+        QCOMPARE(dst, reference(src, block));
+    }
+    QImage white(600, 600, QImage::Format_RGB32);
+    white.fill(Qt::white);
+    QImage dst(white.size(), QImage::Format_ARGB32);
+    mosaic::pixelate(dst, white, 300);
+    QCOMPARE(dst.pixel(299, 299), qRgb(255, 255, 255));
+}
+
+void tst_MosaicPixels::emptyAndShallowPicturesAreHarmless()
+{
+    QImage none;
+    mosaic::pixelate(none, QImage(), 4);
+    QVERIFY(none.isNull());
+    QImage grey(6, 6, QImage::Format_Grayscale8);
+    grey.fill(QColor(90, 90, 90));
+    QImage dst(6, 6, QImage::Format_ARGB32);
+    mosaic::pixelate(dst, grey, 4);
+    QCOMPARE(dst.pixel(5, 5), qRgb(90, 90, 90));
+    const QImage before = grey;
+    mosaic::copyWhereWhite(grey, dst, dst, dst.rect());
+    QCOMPARE(grey, before);
+}
+
+void tst_MosaicPixels::copiesWhereTheMaskIsWhite()
+{
+    const QImage src = noise(QSize(8, 8), 1);
+    const QImage old = noise(QSize(8, 8), 2);
+    QImage mask(8, 8, QImage::Format_ARGB32);
+    mask.fill(QColor(0, 0, 0, 0));
+    mask.setPixel(2, 2, 0xffffffff);
+    mask.setPixel(3, 2, 0x00ffffff);
+    mask.setPixel(4, 2, 0xfffeffff);
+    mask.setPixel(6, 6, 0xffffffff);
+    QImage dst = old;
+    mosaic::copyWhereWhite(dst, src, mask, QRect(1, 1, 5, 5));
+    QImage expected = old;
+    reinterpret_cast<QRgb*>(expected.scanLine(2))[2] = src.pixel(2, 2);
+    reinterpret_cast<QRgb*>(expected.scanLine(2))[3] = src.pixel(3, 2);
+    QCOMPARE(dst, expected);
+}
+
+void tst_MosaicPixels::copyNeverLeavesThePictures()
+{
+    const QImage src = noise(QSize(8, 6), 1);
+    QImage mask(7, 9, QImage::Format_ARGB32);
+    mask.fill(Qt::white);
+    const QImage old = noise(QSize(10, 10), 2);
+    QImage dst = old;
+    mosaic::copyWhereWhite(dst, src, mask, QRect(-50, -50, 500, 500));
+    for (int y = 0; y < 10; ++y) {
+        for (int x = 0; x < 10; ++x)
+            QCOMPARE(dst.pixel(x, y), x < 7 && y < 6 ? src.pixel(x, y) : old.pixel(x, y));
+    }
+    dst = old;
+    mosaic::copyWhereWhite(dst, src, mask, QRect(QPoint(4, 4), QPoint(-50, -50)));
+    mosaic::copyWhereWhite(dst, QImage(), mask, mask.rect());
+    QCOMPARE(dst, old);
+}
+
+QTEST_MAIN(tst_MosaicPixels)
+#include "tst_MosaicPixels.moc"
