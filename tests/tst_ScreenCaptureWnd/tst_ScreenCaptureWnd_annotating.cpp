@@ -77,6 +77,7 @@ private slots:
     void typedTextIsDelivered();
     void undoPastTheFirstEditStartsOver();
     void resetHidesTheCanvasAndKeepsIt();
+    void nothingOfACanvasPutAwayIsDelivered();
     void doubleClickOnTheCanvasFinishesOnce();
     void regionIsFrozen();
 
@@ -244,6 +245,19 @@ void tst_ScreenCaptureWnd_annotating::resetHidesTheCanvasAndKeepsIt()
     QCOMPARE(ScreenCaptureWndAccess::annotate(m_capture->window()), m_canvas);
     QCOMPARE(m_canvas->image(), m_capture->window()->captureImage());
     QVERIFY(!m_canvas->canUndo());
+}
+
+void tst_ScreenCaptureWnd_annotating::nothingOfACanvasPutAwayIsDelivered()
+{
+    drag(QPoint(50, 50), QPoint(120, 80), QPoint(150, 150));
+    QTRY_VERIFY(m_canvas->canUndo());
+    m_capture->window()->reset();
+    QVERIFY(m_capture->window()->scribbledImage().isNull());
+    m_capture->drag(QPoint(20, 30), QPoint(119, 99));
+    QCOMPARE(m_capture->window()->scribbledImage(), m_capture->window()->captureImage());
+    QCOMPARE(m_capture->window()->scribbledImage().size(), QSize(100, 70));
+    m_capture->window()->undo();
+    QVERIFY(!m_capture->region()->isVisible());
 }
 
 void tst_ScreenCaptureWnd_annotating::doubleClickOnTheCanvasFinishesOnce()

@@ -156,6 +156,8 @@ private slots:
     void movedRegionLeavesNoTrace();
     void regionMayReachOnePixelBeyondTheScreen();
     void regionInAWindowLargerThanThePicture();
+    void regionWithoutSizeShowsAndDeliversNothing_data();
+    void regionWithoutSizeShowsAndDeliversNothing();
     void loupeMagnifiesThePixelsUnderTheCursor();
     void loupeShowsTheDraggedEdge_data();
     void loupeShowsTheDraggedEdge();
@@ -309,6 +311,37 @@ void tst_ScreenCaptureWnd_x11::regionInAWindowLargerThanThePicture()
     QCOMPARE(shown.pixelColor(outside).rgb(), cut.pixelColor(outside - region.topLeft()).rgb());
     const QPoint inside(region.left() + 20, region.top() + 20);
     QCOMPARE(shown.pixelColor(inside).rgb(), m_desktop->picture().pixel(inside));
+}
+
+void tst_ScreenCaptureWnd_x11::regionWithoutSizeShowsAndDeliversNothing_data()
+{
+    QTest::addColumn<QPoint>("end");
+    QTest::newRow("no width") << QPoint(399, 420);
+    QTest::newRow("no height") << QPoint(520, 299);
+    QTest::newRow("neither") << QPoint(399, 299);
+}
+
+void tst_ScreenCaptureWnd_x11::regionWithoutSizeShowsAndDeliversNothing()
+{
+    QFETCH(QPoint, end);
+    CaptureProbe capture;
+    showOverlay(capture);
+    const QPoint start(400, 300);
+    capture.press(start);
+    capture.move(start + QPoint(90, 90));
+    capture.move(end);
+    capture.release(end);
+    QVERIFY(capture.region()->isVisible());
+    QVERIFY(capture.region()->rect().isEmpty());
+    // Handles and label lie on this strip, but no pixel of the desktop shines through beside them.
+    const QImage dark = dimmed(m_desktop->picture());
+    const QRect left(0, 0, 380, 768);
+    const QRect below(0, 460, 1024, 308);
+    const QRect right(560, 0, 464, 768);
+    for (const QRect& area : {left, below, right})
+        QTRY_COMPARE(screenshot().copy(area), dark.copy(area));
+    QVERIFY(capture.window()->captureImage().isNull());
+    QVERIFY(capture.window()->scribbledImage().isNull());
 }
 
 namespace

@@ -79,8 +79,10 @@ void ScreenCaptureWnd::grabDesktop()
     const QDesktopWidget* desktop = QApplication::desktop();
     const QSize size = desktop->geometry().size();
     QScreen* screen = QGuiApplication::primaryScreen();
-    m_desktopImage = new QImage(
-        screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height()).toImage());
+    const QPixmap grabbed =
+        screen ? screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height())
+               : QPixmap();
+    m_desktopImage = new QImage(grabbed.toImage());
 }
 
 void ScreenCaptureWnd::initCaptureRect()
@@ -147,14 +149,17 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
     activateWindow();
 }
 
+// A region without size has no pixels, but a copy of a null rectangle would be the whole desktop.
 QImage ScreenCaptureWnd::captureImage() const
 {
-    return m_rectCapture->isVisible() ? m_desktopImage->copy(m_rectCapture->rect()) : QImage();
+    const QRect region = m_rectCapture->rect();
+    return m_rectCapture->isVisible() && !region.isNull() ? m_desktopImage->copy(region) : QImage();
 }
 
+// A canvas that was put away by a reset holds nothing of the region that stands now.
 QImage ScreenCaptureWnd::scribbledImage() const
 {
-    if (!m_scribbleArea)
+    if (m_state != StateAnnotating)
         return captureImage();
     m_scribbleArea->completeScribble();
     return m_scribbleArea->image();
@@ -165,13 +170,21 @@ void ScreenCaptureWnd::reset()
     m_state = StateIdle;
     m_rectCapture->setEnabled(true);
     m_rectCapture->setVisible(false);
-    if (m_scribbleArea)
-        m_scribbleArea->hide();
+    putCanvasAway();
     m_mainToolBar->hide();
     updateMagnifierAtCursor();
     m_magnifier->show();
     m_grabWindowRect = makeGrabWholeWindowRect(QCursor::pos());
     update();
+}
+
+// The widget is kept for the next region; its drawing and history are not.
+void ScreenCaptureWnd::putCanvasAway()
+{
+    if (!m_scribbleArea)
+        return;
+    m_scribbleArea->hide();
+    m_scribbleArea->setImage(QImage());
 }
 
 void ScreenCaptureWnd::undo()
@@ -379,9 +392,11 @@ void ScreenCaptureWnd::paintDesktop(QPainter& painter, const QRegion& changed) c
 {
     const QColor dim(0, 0, 0, kDimAlpha);
     for (const QRect& area : changed) {
-        painter.drawImage(area.topLeft(), *m_desktopImage, area);
+        painter.setClipRect(area);
+        painter.drawImage(0, 0, *m_desktopImage);
         painter.fillRect(area, dim);
     }
+    painter.setClipping(false);
 }
 
 void ScreenCaptureWnd::paintRegion(QPainter& painter)
@@ -398,6 +413,8 @@ void ScreenCaptureWnd::paintRegion(QPainter& painter)
 void ScreenCaptureWnd::paintUndimmed(QPainter& painter, const QRect& region) const
 {
     const QRect shown = region & rect();
+    if (shown.isEmpty())
+        return;
     if (m_desktopImage->rect().contains(shown))
         painter.drawImage(shown.topLeft(), *m_desktopImage, shown);
     else

@@ -110,6 +110,7 @@ private:
     void initScribbleArea();
 
     bool beginEnd();
+    void putCanvasAway();
     void updateMagnifier(const QPoint& pos);
     void updateMagnifierAtCursor();
     QRect makeGrabWholeWindowRect(const QPoint& globalPos);
