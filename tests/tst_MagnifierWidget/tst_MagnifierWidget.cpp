@@ -57,6 +57,7 @@ private slots:
     void imageIsMagnifiedUnsmoothedUnderFramesAndCross();
     void eachSourcePixelIsABlock();
     void nullImageLeavesFramesAndCross();
+    void framesAndCrossFollowBothSides();
     void unevenImageIsStretched();
     void oddSizesHalveDownwards();
     void crossColorIsInvalidAtFirst();
@@ -203,6 +204,25 @@ void tst_MagnifierWidget::mouseReachesWhatLiesBeneath()
     loupe.move(50, 50);
     parent.show();
     QVERIFY(!parent.childAt(60, 60));
+}
+
+void tst_MagnifierWidget::framesAndCrossFollowBothSides()
+{
+    MagnifierWidget widget(nullptr);
+    widget.resize(100, 60);
+    widget.setCrossColor(kCross);
+    QImage expected(100, 60, QImage::Format_RGB32);
+    expected.fill(Qt::magenta);
+    QPainter painter(&expected);
+    painter.setPen(Qt::black);
+    painter.drawRect(0, 0, 99, 59);
+    painter.setPen(Qt::white);
+    painter.drawRect(1, 1, 97, 57);
+    painter.setPen(QPen(QBrush(kCross), 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawLine(3, 30, 96, 30);
+    painter.drawLine(50, 3, 50, 56);
+    painter.end();
+    QCOMPARE(painted(widget), expected);
 }
 
 QTEST_MAIN(tst_MagnifierWidget)

@@ -4,6 +4,8 @@
 #include "Host.h"
 #include "ResizableRect.h"
 
+#include <QTranslator>
+
 #include <QMetaMethod>
 #include <QPainter>
 
@@ -72,11 +74,13 @@ private slots:
     void rectInWidgetAllowsOneMorePixel();
     void clampingNeedsAWidget();
     void setRectEmitsOnceAndClamps();
+    void signalComesAfterTheHandlesAndBeforeTheRepaint();
     void setRectRepaintsOldAndNew();
     void setRectKeepsAnInvertedRectangle();
     void settersRepaint_data();
     void settersRepaint();
     void hiddenLabelIsNotRepainted();
+    void arrowMapIsBuiltByChaining();
     void arrowTables_data();
     void arrowTables();
     void arrowEndsWithoutArrowAreTheTopLeft();
@@ -91,6 +95,8 @@ private slots:
     void invertedRectangleIsPaintedRaw();
     void labelIsPaintedOnTop();
     void painterStateIsChanged();
+    void labelFontCanBeTranslated();
+    void handlesArePaintedByTheirNumber();
     void labelStandsAboveOrInside_data();
     void labelStandsAboveOrInside();
 };
@@ -374,6 +380,26 @@ void tst_ResizableRect::setRectEmitsOnceAndClamps()
     QCOMPARE(rect.wherePoint(QPoint(1920, 35)), 1);
 }
 
+void tst_ResizableRect::signalComesAfterTheHandlesAndBeforeTheRepaint()
+{
+    Host host;
+    ResizableRect rect(&host, QRect(50, 60, 40, 30));
+    int seen = ResizableRect::SECTION_OUTSIDE;
+    QRegion painted;
+    const QRegion all = host.repaintedBy([&] {
+        QObject::connect(&rect, &ResizableRect::rectChanged, &host, [&] {
+            seen = rect.wherePoint(QPoint(200, 150));
+            // What was asked for so far is painted now; nothing should have been.
+            QApplication::sendPostedEvents(&host, QEvent::UpdateRequest);
+            painted = host.painted;
+        });
+        rect.setRect(QRect(200, 150, 20, 20));
+    });
+    QCOMPARE(seen, int(ResizableRect::SECTION_TOP_LEFT));
+    QVERIFY(painted.isEmpty());
+    QVERIFY(!all.isEmpty());
+}
+
 void tst_ResizableRect::setRectRepaintsOldAndNew()
 {
     Host host;
@@ -443,6 +469,20 @@ void tst_ResizableRect::hiddenLabelIsNotRepainted()
     QCOMPARE(painted, QRegion(QRect(150, 100, 60, 40).adjusted(-4, -4, 5, 5)));
 }
 
+void tst_ResizableRect::arrowMapIsBuiltByChaining()
+{
+    ArrowMap map;
+    ArrowMap& same = map << ArrowMapValue(4, 5) << ArrowMapValue(1, 0) << ArrowMapValue(4, 7);
+    QCOMPARE(&same, &map);
+    QCOMPARE(map.size(), 2);
+    QCOMPARE(map[4], 7);
+    QCOMPARE(map[1], 0);
+    ArrowMap copy = map;
+    copy << ArrowMapValue(1, 3);
+    QCOMPARE(copy[1], 3);
+    QCOMPARE(map[1], 0);
+}
+
 void tst_ResizableRect::arrowTables_data()
 {
     QTest::addColumn<QRect>("flip");
@@ -472,7 +512,7 @@ void tst_ResizableRect::arrowTables()
     rect.updateArrowRect(flip);
     QCOMPARE(rect.arrowHead(), head);
     QCOMPARE(rect.arrowTail(), tail);
-    // Each table is its own inverse on the corners.
+    // Each table is its own inverse on the corners, which also reads its other corner rows.
     rect.updateArrowRect(flip);
     QCOMPARE(rect.arrowHead(), QPoint(109, 10));
     QCOMPARE(rect.arrowTail(), QPoint(10, 59));
@@ -653,6 +693,49 @@ void tst_ResizableRect::painterStateIsChanged()
     QCOMPARE(painter.font().family(), QString("Courier New"));
     QCOMPARE(painter.font().weight(), int(QFont::Normal));
     QVERIFY(!painter.font().italic());
+}
+
+void tst_ResizableRect::labelFontCanBeTranslated()
+{
+    class OtherFont : public QTranslator
+    {
+    public:
+        QString translate(const char* context, const char* text, const char* /*comment*/,
+                          int /*n*/) const override
+        {
+            const bool asked =
+                QByteArray(context) == "QObject" && QByteArray(text) == "Courier New";
+            return asked ? QStringLiteral("DejaVu Sans Mono") : QString();
+        }
+        bool isEmpty() const override { return false; }
+    };
+    OtherFont translator;
+    QVERIFY(QCoreApplication::installTranslator(&translator));
+    ResizableRect rect(nullptr, kRect);
+    rect.setSizeInforVisible(true);
+    QImage image = canvas();
+    QPainter painter(&image);
+    rect.render(painter);
+    QCOMPARE(painter.font().family(), QString("DejaVu Sans Mono"));
+    QCoreApplication::removeTranslator(&translator);
+}
+
+// On a small rectangle a later handle covers the edge of an earlier one.
+void tst_ResizableRect::handlesArePaintedByTheirNumber()
+{
+    const QRect small(40, 40, 10, 10);
+    ResizableRect rect(nullptr, small);
+    QImage expected = canvas();
+    QPainter painter(&expected);
+    painter.setPen(QPen(QBrush(kColor), 1.0, Qt::DashLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawRect(small);
+    painter.setPen(kColor);
+    painter.setBrush(Qt::white);
+    for (const QPoint& anchor : {QPoint(39, 44), QPoint(49, 44), QPoint(44, 39), QPoint(44, 49),
+                                 QPoint(39, 39), QPoint(49, 39), QPoint(39, 49), QPoint(49, 49)})
+        painter.drawRect(handleAt(anchor));
+    painter.end();
+    QCOMPARE(rendered(rect), expected);
 }
 
 void tst_ResizableRect::labelStandsAboveOrInside_data()

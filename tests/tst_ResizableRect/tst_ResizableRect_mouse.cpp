@@ -36,6 +36,11 @@ private slots:
     void randomWalkMatchesTheReference_data();
     void randomWalkMatchesTheReference();
     void disablingRestoresTheCursor();
+    void theHostsCursorIsRememberedAtTheStart();
+    void bothButtonsDrag();
+    void doubleClickIsNotItsConcern();
+    void mirroredArrowReadsEveryRow_data();
+    void mirroredArrowReadsEveryRow();
 };
 
 void tst_ResizableRect_mouse::pressRecordsTheSection_data()
@@ -417,6 +422,66 @@ void tst_ResizableRect_mouse::disablingRestoresTheCursor()
     QCOMPARE(host.cursor().shape(), Qt::SizeAllCursor);
     rect.setEnabled(false);
     QCOMPARE(host.cursor().shape(), Qt::PointingHandCursor);
+}
+
+void tst_ResizableRect_mouse::theHostsCursorIsRememberedAtTheStart()
+{
+    Host host;
+    host.setCursor(Qt::PointingHandCursor);
+    ResizableRect rect(&host, kRect);
+    rect.setVisible(true);
+    host.setCursor(Qt::WaitCursor);
+    host.hover(QPoint(300, 200));
+    QCOMPARE(host.cursor().shape(), Qt::PointingHandCursor);
+}
+
+void tst_ResizableRect_mouse::bothButtonsDrag()
+{
+    Host host;
+    ResizableRect rect(&host, kRect);
+    rect.setVisible(true);
+    host.press(QPoint(60, 35));
+    host.hover(QPoint(70, 45), Qt::LeftButton | Qt::RightButton);
+    QCOMPARE(rect.rect(), kRect.translated(10, 10));
+    host.release(QPoint(70, 45), Qt::RightButton);
+    host.drag(QPoint(80, 45));
+    QCOMPARE(rect.rect(), kRect.translated(20, 10));
+}
+
+void tst_ResizableRect_mouse::doubleClickIsNotItsConcern()
+{
+    Host host;
+    ResizableRect rect(&host, kRect);
+    rect.setVisible(true);
+    QMouseEvent event(QEvent::MouseButtonDblClick, QPoint(60, 35), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(&host, &event);
+    QCOMPARE(rect.mousePressSection(), int(ResizableRect::SECTION_OUTSIDE));
+}
+
+void tst_ResizableRect_mouse::mirroredArrowReadsEveryRow_data()
+{
+    QTest::addColumn<QRect>("first");
+    QTest::addColumn<QPoint>("head");
+    QTest::addColumn<QPoint>("tail");
+    // The first flip brings head and tail onto the other diagonal, the mirror swaps them there.
+    QTest::newRow("after a horizontal flip")
+        << QRect(0, 0, -1, 5) << kRect.bottomRight() << kRect.topLeft();
+    QTest::newRow("after a vertical flip")
+        << QRect(0, 0, 5, -1) << kRect.topLeft() << kRect.bottomRight();
+}
+
+void tst_ResizableRect_mouse::mirroredArrowReadsEveryRow()
+{
+    QFETCH(QRect, first);
+    QFETCH(QPoint, head);
+    QFETCH(QPoint, tail);
+    ResizableRect rect(nullptr, kRect);
+    rect.initArrow();
+    rect.updateArrowRect(first);
+    rect.updateArrowRect(QRect(0, 0, -1, -1));
+    QCOMPARE(rect.arrowHead(), head);
+    QCOMPARE(rect.arrowTail(), tail);
 }
 
 QTEST_MAIN(tst_ResizableRect_mouse)

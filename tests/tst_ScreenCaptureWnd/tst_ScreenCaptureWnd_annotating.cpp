@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
+#include "Desktop.h"
+#include "RealInput.h"
 #include "ScribbleArea.h"
 
-#include <QPainter>
-#include <QProcess>
-#include <QScreen>
 #include <QTextEdit>
 
 struct ScreenCaptureWndAccess {
@@ -24,39 +23,19 @@ namespace
 
 const QRect kRegion(QPoint(200, 150), QPoint(499, 349));
 
-QImage screenshot()
+QStringList moveOnCanvas(const QPoint& p)
 {
-    const QSize all = QGuiApplication::primaryScreen()->size();
-    return QGuiApplication::primaryScreen()
-        ->grabWindow(0, 0, 0, all.width(), all.height())
-        .toImage()
-        .convertToFormat(QImage::Format_RGB32);
-}
-
-/// Real input through the X server, in window coordinates.
-void input(const QStringList& words)
-{
-    QProcess process;
-    process.start("xdotool", words);
-    QVERIFY(process.waitForStarted());
-    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 20000);
-    QCOMPARE(process.exitCode(), 0);
-}
-
-QStringList moveTo(const QPoint& p)
-{
-    const QPoint onScreen = kRegion.topLeft() + p;
-    return {"mousemove", QString::number(onScreen.x()), QString::number(onScreen.y())};
+    return moveTo(kRegion.topLeft() + p);
 }
 
 /// Drags in canvas coordinates, with one move between, so that each segment is known.
 void drag(const QPoint& from, const QPoint& over, const QPoint& to)
 {
-    input(moveTo(from) << "mousedown"
-                       << "1");
-    input(moveTo(over));
-    input(moveTo(to));
-    input({"mouseup", "1"});
+    xdotool(moveOnCanvas(from) << "mousedown"
+                               << "1");
+    xdotool(moveOnCanvas(over));
+    xdotool(moveOnCanvas(to));
+    xdotool({"mouseup", "1"});
 }
 
 } // namespace
@@ -208,9 +187,9 @@ void tst_ScreenCaptureWnd_annotating::typedTextIsDelivered()
     QTRY_VERIFY(m_canvas->findChild<QTextEdit*>());
     auto* box = m_canvas->findChild<QTextEdit*>();
     QTRY_VERIFY(box->hasFocus());
-    input({"type", "hello"});
-    input({"key", "Return"});
-    input({"type", "world"});
+    xdotool({"type", "hello"});
+    xdotool({"key", "Return"});
+    xdotool({"type", "world"});
     QTRY_COMPARE(box->toPlainText(), QString("hello\nworld"));
     QVERIFY(m_capture->window()->isVisible());
     m_capture->window()->accept();
@@ -262,12 +241,12 @@ void tst_ScreenCaptureWnd_annotating::nothingOfACanvasPutAwayIsDelivered()
 
 void tst_ScreenCaptureWnd_annotating::doubleClickOnTheCanvasFinishesOnce()
 {
-    input(moveTo(QPoint(100, 100)) << "click"
-                                   << "--repeat"
-                                   << "2"
-                                   << "--delay"
-                                   << "20"
-                                   << "1");
+    xdotool(moveOnCanvas(QPoint(100, 100)) << "click"
+                                           << "--repeat"
+                                           << "2"
+                                           << "--delay"
+                                           << "20"
+                                           << "1");
     QTRY_COMPARE(m_receiver.count, 1);
     QVERIFY(m_receiver.finished);
     QCOMPARE(m_receiver.image.size(), kRegion.size());

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
+#include "Desktop.h"
+#include "RealInput.h"
 
 #include <QFileDialog>
 #include <QImageReader>
 #include <QLineEdit>
 #include <QPainter>
-#include <QProcess>
-#include <QRandomGenerator>
-#include <QScreen>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -17,62 +16,6 @@ namespace
 
 const QRect kRegion(QPoint(300, 250), QPoint(649, 449));
 const QColor kSelection(0x00, 0xaa, 0xcc);
-
-QRect screenRect()
-{
-    return {QPoint(), QGuiApplication::primaryScreen()->size()};
-}
-
-/// What is on the screen now.
-QImage screenshot()
-{
-    const QRect all = screenRect();
-    return QGuiApplication::primaryScreen()
-        ->grabWindow(0, 0, 0, all.width(), all.height())
-        .toImage()
-        .convertToFormat(QImage::Format_RGB32);
-}
-
-/// Noise, so that a picture which is off by one pixel anywhere differs.
-QImage noise(const QSize& size, quint32 seed)
-{
-    QImage image(size, QImage::Format_RGB32);
-    QRandomGenerator random(seed);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, 0xff000000u | random.generate());
-    }
-    return image;
-}
-
-/// A desktop with a known picture on it, outside the window manager's reach.
-class Desktop : public QWidget
-{
-public:
-    explicit Desktop(quint32 seed)
-        : QWidget(nullptr, Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint)
-        , m_picture(noise(screenRect().size(), seed))
-    {
-        setAttribute(Qt::WA_OpaquePaintEvent);
-        setGeometry(screenRect());
-        show();
-        lower();
-    }
-    const QImage& picture() const { return m_picture; }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override { QPainter(this).drawImage(0, 0, m_picture); }
-
-private:
-    QImage m_picture;
-};
-
-QImage dimmed(const QImage& picture)
-{
-    QImage image = picture;
-    QPainter(&image).fillRect(image.rect(), QColor(0, 0, 0, 100));
-    return image;
-}
 
 void paintOutline(QPainter& painter, const QRect& r)
 {
@@ -114,27 +57,6 @@ QImage overlayWith(const QImage& picture, const QRect& region)
     paintHandles(painter, region);
     paintLabel(painter, region);
     return image;
-}
-
-QImage without(QImage image, const QRect& area)
-{
-    QPainter(&image).fillRect(area, Qt::black);
-    return image;
-}
-
-/// Real input through the X server.
-void type(const QStringList& words)
-{
-    QProcess process;
-    process.start("xdotool", words);
-    QVERIFY(process.waitForStarted());
-    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 20000);
-    QCOMPARE(process.exitCode(), 0);
-}
-
-QStringList moveTo(const QPoint& p)
-{
-    return {"mousemove", QString::number(p.x()), QString::number(p.y())};
 }
 
 } // namespace
@@ -516,18 +438,18 @@ void tst_ScreenCaptureWnd_x11::realMouseTakesACapture()
     Receiver receiver;
     capture.window()->connectTo(&receiver, SLOT(onCaptured(QImage, bool)));
     showOverlay(capture);
-    type(moveTo(kRegion.topLeft())
-         << "mousedown"
-         << "1" << moveTo(kRegion.center()) << moveTo(kRegion.bottomRight()) << "mouseup"
-         << "1");
+    xdotool(moveTo(kRegion.topLeft())
+            << "mousedown"
+            << "1" << moveTo(kRegion.center()) << moveTo(kRegion.bottomRight()) << "mouseup"
+            << "1");
     QTRY_COMPARE(capture.region()->rect(), kRegion);
     QTRY_COMPARE(screenshot(), overlayWith(m_desktop->picture(), kRegion));
-    type(moveTo(kRegion.center()) << "click"
-                                  << "--repeat"
-                                  << "2"
-                                  << "--delay"
-                                  << "20"
-                                  << "1");
+    xdotool(moveTo(kRegion.center()) << "click"
+                                     << "--repeat"
+                                     << "2"
+                                     << "--delay"
+                                     << "20"
+                                     << "1");
     QTRY_COMPARE(receiver.count, 1);
     QVERIFY(receiver.finished);
     QCOMPARE(receiver.image.convertToFormat(QImage::Format_RGB32),
@@ -541,7 +463,7 @@ void tst_ScreenCaptureWnd_x11::realEscapeCancels()
     Receiver receiver;
     capture.window()->connectTo(&receiver, SLOT(onCaptured(QImage, bool)));
     showOverlay(capture);
-    type({"key", "Escape"});
+    xdotool({"key", "Escape"});
     QTRY_COMPARE(receiver.count, 1);
     QVERIFY(!receiver.finished);
     QVERIFY(receiver.image.isNull());

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "BehaviourTest.h"
+#include "CaptureProbe.h"
+#include "Desktop.h"
+
+/// The capture window on a dense screen: two device pixels to a pixel of the window.
+class tst_ScreenCaptureWnd_scaled : public BehaviourTest
+{
+    Q_OBJECT
+
+private slots:
+    void overlayShowsEveryPixelOfTheDesktop();
+};
+
+void tst_ScreenCaptureWnd_scaled::overlayShowsEveryPixelOfTheDesktop()
+{
+    Desktop desktop(1);
+    QCOMPARE(desktop.devicePixelRatio(), 2);
+    QTRY_COMPARE(screenshot(), desktop.picture());
+
+    CaptureProbe capture;
+    capture.window()->showFullDesktop(true);
+    QVERIFY(QTest::qWaitForWindowActive(capture.window()));
+    const QImage dark = dimmed(desktop.picture());
+    const auto screen = [] {
+        QImage image = screenshot();
+        image.setDevicePixelRatio(1);
+        return image;
+    };
+    capture.loupe()->hide();
+    QTRY_COMPARE(screen(), dark);
+    // Painting a part anew leaves it as it was.
+    capture.drag(QPoint(101, 103), QPoint(203, 177));
+    QTRY_VERIFY(screen() != dark);
+    capture.window()->reset();
+    capture.loupe()->hide();
+    QTRY_COMPARE(screen(), dark);
+}
+
+QTEST_MAIN(tst_ScreenCaptureWnd_scaled)
+#include "tst_ScreenCaptureWnd_scaled.moc"
