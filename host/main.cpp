@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QStandardPaths>
 #include <QTextStream>
+#include <cstdlib>
 
 namespace
 {
@@ -20,8 +21,18 @@ CommandLine readCommandLine(int argc, char** argv)
 
 int fail(const QString& message)
 {
-    QTextStream(stderr) << "capture-host: " << message << '\n';
+    QTextStream(stderr) << "capture-host: " << QString(message).replace('\n', ' ') << '\n';
     return OneCapture::Failed;
+}
+
+// Where Qt reaches no display it says so at length and aborts; one line and an exit status are
+// enough.
+void refuseWithoutDisplay(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (type == QtFatalMsg)
+        std::_Exit(fail(CommandLine::tr("there is no display to take a capture of")));
+    if (qEnvironmentVariableIsSet("QT_DEBUG_PLUGINS"))
+        QTextStream(stderr) << qFormatLogMessage(type, context, message) << '\n';
 }
 
 QString settingsDir(const CommandLine& commandLine)
@@ -62,7 +73,9 @@ int main(int argc, char** argv)
         break;
     }
 
+    const QtMessageHandler handler = qInstallMessageHandler(refuseWithoutDisplay);
     QApplication app(argc, argv);
+    qInstallMessageHandler(handler);
     QApplication::setApplicationName(QStringLiteral("capture-host"));
     QApplication::setApplicationVersion(QStringLiteral(CAPTURE_HOST_VERSION));
     QApplication::setQuitOnLastWindowClosed(false);
