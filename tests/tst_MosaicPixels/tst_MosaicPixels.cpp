@@ -71,8 +71,8 @@ void tst_MosaicPixels::averagesTruncate()
     QImage image(2, 1, QImage::Format_ARGB32);
     image.setPixel(0, 0, qRgba(10, 255, 0, 0));
     image.setPixel(1, 0, qRgba(11, 254, 1, 17));
-    QCOMPARE(mosaic::averageColor(image, QRect(0, 0, 2, 1)), qRgba(10, 254, 0, 255));
-    QCOMPARE(mosaic::averageColor(image, QRect(1, 0, 1, 1)), qRgba(11, 254, 1, 255));
+    QCOMPARE(mosaic::makeMosaicColor(image, QRect(0, 0, 2, 1)), qRgba(10, 254, 0, 255));
+    QCOMPARE(mosaic::makeMosaicColor(image, QRect(1, 0, 1, 1)), qRgba(11, 254, 1, 255));
 }
 
 // One less in one pixel of a uniform block takes the truncated average down by one.
@@ -83,10 +83,10 @@ void tst_MosaicPixels::averagesAreExactNextToAWholeNumber()
             QImage src(block, block, QImage::Format_RGB32);
             src.fill(QColor(value, value, value));
             QImage dst(src.size(), QImage::Format_ARGB32);
-            mosaic::pixelate(dst, src, block);
+            mosaic::makeMosaicImage(dst, src, block);
             QCOMPARE(dst.pixel(0, 0), qRgb(value, value, value));
             src.setPixel(1, 1, qRgb(value - 1, value, value));
-            mosaic::pixelate(dst, src, block);
+            mosaic::makeMosaicImage(dst, src, block);
             QCOMPARE(dst.pixel(block - 1, block - 1), qRgb(value - 1, value, value));
         }
     }
@@ -96,10 +96,10 @@ void tst_MosaicPixels::lastBlocksAreCut()
 {
     const QImage src = noise(QSize(5, 5), 3);
     QImage dst(5, 5, QImage::Format_ARGB32);
-    mosaic::pixelate(dst, src, 2);
+    mosaic::makeMosaicImage(dst, src, 2);
     QCOMPARE(dst.pixel(4, 4), src.pixel(4, 4) | 0xff000000u);
-    QCOMPARE(dst.pixel(4, 0), mosaic::averageColor(src, QRect(4, 0, 1, 2)));
-    QCOMPARE(dst.pixel(1, 4), mosaic::averageColor(src, QRect(0, 4, 2, 1)));
+    QCOMPARE(dst.pixel(4, 0), mosaic::makeMosaicColor(src, QRect(4, 0, 1, 2)));
+    QCOMPARE(dst.pixel(1, 4), mosaic::makeMosaicColor(src, QRect(0, 4, 2, 1)));
 }
 
 void tst_MosaicPixels::pixelateMatchesTheReference_data()
@@ -118,13 +118,13 @@ void tst_MosaicPixels::pixelateMatchesTheReference()
         const QImage src = noise(size, 11, format);
         for (int block = 1; block <= 64; ++block) {
             QImage dst(size, QImage::Format_ARGB32);
-            mosaic::pixelate(dst, src, block);
+            mosaic::makeMosaicImage(dst, src, block);
             QVERIFY2(dst == reference(src, block), qPrintable(QString("block %1").arg(block)));
         }
     }
     const QImage large = noise(QSize(3840, 2160), 5);
     QImage dst(large.size(), QImage::Format_ARGB32);
-    mosaic::pixelate(dst, large, 7);
+    mosaic::makeMosaicImage(dst, large, 7);
     QCOMPARE(dst, reference(large, 7));
 }
 
@@ -132,9 +132,9 @@ void tst_MosaicPixels::blockLargerThanThePicture()
 {
     const QImage src = noise(QSize(10, 4), 2);
     QImage dst(10, 4, QImage::Format_ARGB32);
-    mosaic::pixelate(dst, src, 1000000);
-    QCOMPARE(dst.pixel(9, 3), mosaic::averageColor(src, src.rect()));
-    QCOMPARE(dst.pixel(0, 0), mosaic::averageColor(src, src.rect()));
+    mosaic::makeMosaicImage(dst, src, 1000000);
+    QCOMPARE(dst.pixel(9, 3), mosaic::makeMosaicColor(src, src.rect()));
+    QCOMPARE(dst.pixel(0, 0), mosaic::makeMosaicColor(src, src.rect()));
 }
 
 void tst_MosaicPixels::blocksOfMoreThan16BitSums()
@@ -142,25 +142,25 @@ void tst_MosaicPixels::blocksOfMoreThan16BitSums()
     const QImage src = noise(QSize(700, 600), 4);
     for (int block : {256, 257, 258, 300, 1000}) {
         QImage dst(src.size(), QImage::Format_ARGB32);
-        mosaic::pixelate(dst, src, block);
+        mosaic::makeMosaicImage(dst, src, block);
         QCOMPARE(dst, reference(src, block));
     }
     QImage white(600, 600, QImage::Format_RGB32);
     white.fill(Qt::white);
     QImage dst(white.size(), QImage::Format_ARGB32);
-    mosaic::pixelate(dst, white, 300);
+    mosaic::makeMosaicImage(dst, white, 300);
     QCOMPARE(dst.pixel(299, 299), qRgb(255, 255, 255));
 }
 
 void tst_MosaicPixels::emptyAndShallowPicturesAreHarmless()
 {
     QImage none;
-    mosaic::pixelate(none, QImage(), 4);
+    mosaic::makeMosaicImage(none, QImage(), 4);
     QVERIFY(none.isNull());
     QImage grey(6, 6, QImage::Format_Grayscale8);
     grey.fill(QColor(90, 90, 90));
     QImage dst(6, 6, QImage::Format_ARGB32);
-    mosaic::pixelate(dst, grey, 4);
+    mosaic::makeMosaicImage(dst, grey, 4);
     QCOMPARE(dst.pixel(5, 5), qRgb(90, 90, 90));
     const QImage before = grey;
     mosaic::copyWhereWhite(grey, dst, dst, dst.rect());

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "MosaicPixels.h"
 
+#if defined(__SSE2__)
+#include "MosaicPixelsSse2.h"
+#endif
+
 #include <QVector>
 #include <algorithm>
 #include <cstring>
@@ -24,110 +28,81 @@ constexpr int kBlueByte = kLittleEndian ? 0 : 3;
 constexpr int kGreenByte = kLittleEndian ? 1 : 2;
 constexpr int kRedByte = kLittleEndian ? 2 : 1;
 
-// So many bytes fit into a 16-bit sum, which makes the sums fast.
-constexpr int kMostPixelsOf16BitSums = 257;
-
-// Divides sums of at most 255 * `divisor`, truncating, by a multiplication. That is exact as long
-// as 255 * divisor * divisor stays below 2^32.
-class Divider
-{
-public:
-    explicit Divider(quint32 divisor)
-        : m_divisor(divisor)
-        , m_factor(divisor <= kMostExact ? quint32(((quint64(1) << 32) + divisor - 1) / divisor)
-                                         : 0)
-    {
-    }
-    quint32 operator()(quint32 sum) const
-    {
-        if (m_divisor == 1)
-            return sum;
-        return m_factor ? quint32((quint64(sum) * m_factor) >> 32) : sum / m_divisor;
-    }
-
-private:
-    static constexpr quint32 kMostExact = 4096;
-    quint32 m_divisor;
-    quint32 m_factor;
-};
-
-// Plain loops over bytes, which compilers turn into vector instructions.
-template <typename Sum>
-void addRow(Sum* sums, const uchar* bytes, int count)
+// A plain loop over bytes, which compilers turn into vector instructions.
+void addRow(quint32* sums, const uchar* bytes, int count)
 {
     for (int i = 0; i < count; ++i)
-        sums[i] = Sum(sums[i] + bytes[i]);
+        sums[i] += bytes[i];
 }
 
-template <typename Sum>
-QRgb averageOf(const Sum* sums, int columns, const Divider& divide)
+QRgb averageOf(const quint32* sums, int columns, int rows)
 {
-    quint32 red = 0;
-    quint32 green = 0;
-    quint32 blue = 0;
+    quint64 red = 0;
+    quint64 green = 0;
+    quint64 blue = 0;
     for (int i = 0; i < columns; ++i, sums += kBytesPerPixel) {
         red += sums[kRedByte];
         green += sums[kGreenByte];
         blue += sums[kBlueByte];
     }
-    return kOpaque | divide(red) << 16 | divide(green) << 8 | divide(blue);
+    const quint64 pixels = quint64(columns) * quint64(rows);
+    return kOpaque | QRgb(red / pixels) << 16 | QRgb(green / pixels) << 8 | QRgb(blue / pixels);
 }
 
-// The same for blocks whose sums fit into 16 bits: the four sums of a pixel are added as one
-// number, in which blue is lowest whatever the order of bytes.
-QRgb averageOfSmall(const quint16* sums, int columns, const Divider& divide)
+// Blocks of any size on any processor.
+class PlainBlocks
 {
-    quint64 total = 0;
-    for (int i = 0; i < columns; ++i, sums += kBytesPerPixel) {
-        quint64 pixel = 0;
-        std::memcpy(&pixel, sums, sizeof pixel);
-        total += pixel;
+public:
+    PlainBlocks(int mostColumns, int rows)
+        : m_rows(rows)
+        , m_sums(mostColumns * kBytesPerPixel)
+    {
     }
-    return kOpaque | divide((total >> 32) & 0xffffu) << 16 | divide((total >> 16) & 0xffffu) << 8 |
-           divide(total & 0xffffu);
+    void sum(const uchar* bytes, int stride, int columns)
+    {
+        std::fill(m_sums.begin(), m_sums.end(), 0);
+        for (int row = 0; row < m_rows; ++row, bytes += stride)
+            addRow(m_sums.data(), bytes, columns * kBytesPerPixel);
+    }
+    void fill(QRgb* to, int first, int columns) const
+    {
+        const quint32* sums = m_sums.constData() + first * kBytesPerPixel;
+        std::fill_n(to + first, columns, averageOf(sums, columns, m_rows));
+    }
+
+private:
+    int m_rows;
+    QVector<quint32> m_sums;
+};
+
+// One row of blocks: averaged into its first row of pixels, which is then repeated.
+void pixelateBand(uchar* to, int toStride, const uchar* from, int fromStride, int width, int rows,
+                  int blockSize)
+{
+    QVector<quint32> sums(width * kBytesPerPixel);
+    for (int row = 0; row < rows; ++row)
+        addRow(sums.data(), from + qptrdiff(row) * fromStride, sums.size());
+    auto* first = reinterpret_cast<QRgb*>(to);
+    for (int x = 0; x < width; x += blockSize) {
+        const int columns = std::min(blockSize, width - x);
+        std::fill_n(first + x, columns,
+                    averageOf(sums.constData() + x * kBytesPerPixel, columns, rows));
+    }
+    for (int row = 1; row < rows; ++row)
+        std::memcpy(to + qptrdiff(row) * toStride, first, size_t(width) * kBytesPerPixel);
 }
 
-QRgb averageOfBlock(const quint16* sums, int columns, int rows, const Divider& divide)
+template <typename Band>
+void pixelateBands(QImage& dst, const QImage& src, int blockSize, Band pixelate)
 {
-    return columns * rows <= kMostPixelsOf16BitSums ? averageOfSmall(sums, columns, divide)
-                                                    : averageOf(sums, columns, divide);
-}
-
-QRgb averageOfBlock(const quint32* sums, int columns, int /*rows*/, const Divider& divide)
-{
-    return averageOf(sums, columns, divide);
-}
-
-// One row of blocks, `rows` high: summed by columns, averaged into its first row, which is then
-// repeated.
-template <typename Sum>
-void pixelateBand(QImage& dst, const QImage& src, int top, int rows, int blockSize,
-                  QVector<Sum>& sums)
-{
-    const int width = src.width();
-    std::fill(sums.begin(), sums.end(), Sum(0));
-    for (int y = top; y < top + rows; ++y)
-        addRow(sums.data(), src.constScanLine(y), sums.size());
-
-    auto* first = reinterpret_cast<QRgb*>(dst.scanLine(top));
-    const Sum* sum = sums.constData();
-    const Divider whole(quint32(blockSize) * quint32(rows));
-    int x = 0;
-    for (; x + blockSize <= width; x += blockSize, sum += blockSize * kBytesPerPixel)
-        std::fill_n(first + x, blockSize, averageOfBlock(sum, blockSize, rows, whole));
-    if (const int rest = width - x)
-        std::fill_n(first + x, rest,
-                    averageOfBlock(sum, rest, rows, Divider(quint32(rest) * quint32(rows))));
-    for (int y = top + 1; y < top + rows; ++y)
-        std::memcpy(dst.scanLine(y), first, size_t(width) * sizeof(QRgb));
-}
-
-template <typename Sum>
-void pixelateBands(QImage& dst, const QImage& src, int blockSize)
-{
-    QVector<Sum> sums(src.width() * kBytesPerPixel);
-    for (int y = 0; y < src.height(); y += blockSize)
-        pixelateBand(dst, src, y, std::min(blockSize, src.height() - y), blockSize, sums);
+    const uchar* from = src.constBits();
+    const int fromStride = src.bytesPerLine();
+    uchar* to = dst.bits();
+    const int toStride = dst.bytesPerLine();
+    for (int y = 0; y < src.height(); y += blockSize) {
+        pixelate(to + qptrdiff(y) * toStride, toStride, from + qptrdiff(y) * fromStride, fromStride,
+                 src.width(), std::min(blockSize, src.height() - y), blockSize);
+    }
 }
 
 } // namespace
@@ -135,29 +110,34 @@ void pixelateBands(QImage& dst, const QImage& src, int blockSize)
 namespace mosaic
 {
 
-QRgb averageColor(const QImage& image, const QRect& area)
+QRgb makeMosaicColor(const QImage& image, const QRect& rect)
 {
-    QVector<quint32> sums(area.width() * kBytesPerPixel);
-    for (int y = area.y(); y < area.y() + area.height(); ++y)
-        addRow(sums.data(), image.constScanLine(y) + size_t(area.x()) * kBytesPerPixel,
+    QVector<quint32> sums(rect.width() * kBytesPerPixel);
+    for (int y = rect.y(); y < rect.y() + rect.height(); ++y)
+        addRow(sums.data(), image.constScanLine(y) + size_t(rect.x()) * kBytesPerPixel,
                sums.size());
-    return averageOf(sums.constData(), area.width(),
-                     Divider(quint32(area.width()) * quint32(area.height())));
+    return averageOf(sums.constData(), rect.width(), rect.height());
 }
 
-void pixelate(QImage& dst, const QImage& src, int blockSize)
+void makeMosaicImage(QImage& dst, const QImage& src, int blockSize)
 {
     Q_ASSERT(blockSize > 0);
-    if (src.depth() != kDepthBits && !src.isNull()) {
-        pixelate(dst, src.convertToFormat(QImage::Format_ARGB32), blockSize);
+    if (dst.isNull())
+        return;
+    Q_ASSERT(dst.size() == src.size() && dst.depth() == kDepthBits);
+    if (src.depth() != kDepthBits) {
+        makeMosaicImage(dst, src.convertToFormat(QImage::Format_ARGB32), blockSize);
         return;
     }
     // A block larger than the picture is cut to it, so that no sum outgrows the picture either.
     const int side = std::min(blockSize, std::max({src.width(), src.height(), 1}));
-    if (side <= kMostPixelsOf16BitSums)
-        pixelateBands<quint16>(dst, src, side);
-    else
-        pixelateBands<quint32>(dst, src, side);
+#if defined(__SSE2__)
+    if (side <= mosaic::sse2::kMostBlockSide) {
+        pixelateBands(dst, src, side, mosaic::sse2::pixelateBand);
+        return;
+    }
+#endif
+    pixelateBands(dst, src, side, pixelateBand);
 }
 
 void copyWhereWhite(QImage& dst, const QImage& src, const QImage& mask, const QRect& area)

@@ -7,6 +7,7 @@
 #include <QBrush>
 #include <QCursor>
 #include <QImageReader>
+#include <QImageWriter>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
@@ -27,7 +28,8 @@ constexpr qreal kArrowPenWidthPx = 6.0;
 
 const QColor kShapeColor(251, 56, 56, 255);
 
-// Intended: the closing brace without an opening one stands as it is.
+// Intended: the closing brace without an opening one stands as it is. Qt says that it cannot parse
+// this, and applies what stands before the brace.
 const char* const kTransparentStyleSheet =
     "background:rgba(0,0,0,0%); border-width:0; border-style:outset}";
 
@@ -40,6 +42,11 @@ QRect strokeArea(const QPoint& from, const QPoint& to, int width)
 {
     const int margin = width / 2 + kStrokeMarginPx;
     return QRect(from, to).normalized().adjusted(-margin, -margin, margin, margin);
+}
+
+bool canWrite(const char* format)
+{
+    return QImageWriter::supportedImageFormats().contains(QByteArray(format).toLower());
 }
 
 // Intended: to the right and down 3 pixels are enough, to the left and up it takes 5, because a
@@ -102,6 +109,9 @@ bool ScribbleArea::openImage(const QString& fileName)
 bool ScribbleArea::saveImage(const QString& fileName, const char* fileFormat)
 {
     finishResizableRect();
+    // Qt empties the file before it notices that it does not know the format.
+    if (fileFormat && !canWrite(fileFormat))
+        return false;
     if (!m_image.save(fileName, fileFormat))
         return false;
     m_modified = false;
@@ -235,6 +245,7 @@ void ScribbleArea::mousePressEvent(QMouseEvent* event)
 
     if (m_paintType == PAINT_SCRIBBLE) {
         m_scribbling = true;
+        m_strokeHasSegment = false;
         initForDiff(m_lastPoint);
     } else if (m_paintType == PAINT_MOSAIC) {
         m_mosaicking = true;
@@ -286,12 +297,12 @@ void ScribbleArea::drawLineTo(const QPoint& endPoint)
     if (!m_image.isNull()) {
         QPainter painter(&m_image);
         painter.setPen(m_scribblePen);
-        const bool firstSegment = m_diffRect.size() == QSize(1, 1);
         if (endPoint != m_lastPoint)
             painter.drawLine(m_lastPoint, endPoint);
-        else if (firstSegment)
+        else if (!m_strokeHasSegment)
             painter.drawPoint(endPoint);
     }
+    m_strokeHasSegment = true;
     m_modified = true;
 
     const QRect area = strokeArea(m_lastPoint, endPoint, m_scribblePen.width());
@@ -418,9 +429,6 @@ void ScribbleArea::initTextEdit()
     m_textEdit->setLineWrapMode(QTextEdit::NoWrap);
     m_textEdit->setUndoRedoEnabled(false);
     m_textEdit->setStyleSheet(kTransparentStyleSheet);
-    // What the style sheet says, since Qt does not read one with a stray brace.
-    m_textEdit->setFrameStyle(QFrame::NoFrame);
-    m_textEdit->viewport()->setAutoFillBackground(false);
     m_textEdit->setGeometry(
         m_resizableRect->rect().adjusted(kTextInsetPx, kTextInsetPx, -kTextInsetPx, -kTextInsetPx));
     m_textEdit->hide();
@@ -502,8 +510,10 @@ void ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
 
 void ScribbleArea::updateMosaicImage()
 {
-    m_mosaicImage = QImage(m_image.size(), QImage::Format_ARGB32);
-    mosaic::pixelate(m_mosaicImage, m_image, m_mosaicBlur);
+    // Every pixel is written, so memory of the right size serves again.
+    if (m_mosaicImage.size() != m_image.size())
+        m_mosaicImage = QImage(m_image.size(), QImage::Format_ARGB32);
+    mosaic::makeMosaicImage(m_mosaicImage, m_image, m_mosaicBlur);
 }
 
 void ScribbleArea::onupdateMosaicImage()
@@ -526,6 +536,7 @@ void ScribbleArea::setMosaicBlur(int blur)
 void ScribbleArea::setMosaicCursorRadius(int size)
 {
     QImage circle(size, size, QImage::Format_ARGB32);
+    // A brush without size keeps the cursor there was.
     if (circle.isNull())
         return;
     circle.fill(QColor(0, 0, 0, 0));

@@ -43,8 +43,8 @@ class ScribbleArea : public QWidget
     Q_OBJECT
 
 public:
-    enum PAINT_TYPE { PAINT_SCRIBBLE = 0, PAINT_TEXT = 1, PAINT_GRAPH = 2, PAINT_MOSAIC = 3 };
-    enum GRAPH_STATE { GRAPH_RECT = 0, GRAPH_ELLIPSE = 1, GRAPH_ARROW = 2 };
+    enum PAINT_TYPE : int { PAINT_SCRIBBLE = 0, PAINT_TEXT = 1, PAINT_GRAPH = 2, PAINT_MOSAIC = 3 };
+    enum GRAPH_STATE : int { GRAPH_RECT = 0, GRAPH_ELLIPSE = 1, GRAPH_ARROW = 2 };
 
     /// One entry of the history: the changed rectangle's corner, and its pixels before the edit
     /// XOR those after it.
@@ -147,6 +147,7 @@ private:
     PAINT_TYPE m_paintType = PAINT_SCRIBBLE;
     QPen m_scribblePen;
     bool m_scribbling = false;
+    bool m_strokeHasSegment = false;
     bool m_mosaicking = false;
     int m_mosaicBlur = 2;
     int m_mosaicPenWidth = 16;

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "MosaicPixels.h"
+#include "ScribbleArea.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QRandomGenerator>
+#include <benchmark/benchmark.h>
+
+namespace
+{
+
+constexpr QSize kPicturePx(3840, 2160);
+
+QImage noise(const QSize& size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    QRandomGenerator random(1);
+    for (int y = 0; y < size.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < size.width(); ++x)
+            line[x] = 0xff000000u | random.generate();
+    }
+    return image;
+}
+
+const QImage& picture()
+{
+    static const QImage image = noise(kPicturePx);
+    return image;
+}
+
+// The floor of all figures here.
+void copyPicture(benchmark::State& state)
+{
+    for (auto _ : state) {
+        QImage copy = picture().copy();
+        benchmark::DoNotOptimize(copy.bits());
+    }
+}
+BENCHMARK(copyPicture)->Unit(benchmark::kMicrosecond);
+
+void pixelatePicture(benchmark::State& state)
+{
+    const int blockSize = int(state.range(0));
+    QImage pixelated(kPicturePx, QImage::Format_ARGB32);
+    for (auto _ : state) {
+        mosaic::makeMosaicImage(pixelated, picture(), blockSize);
+        benchmark::DoNotOptimize(pixelated.bits());
+    }
+}
+BENCHMARK(pixelatePicture)
+    ->Arg(2)
+    ->Arg(3)
+    ->Arg(4)
+    ->Arg(5)
+    ->Arg(8)
+    ->Arg(10)
+    ->Arg(16)
+    ->Arg(20)
+    ->Unit(benchmark::kMicrosecond);
+
+// As choosing the tool does: both pictures are made anew.
+void chooseMosaic(benchmark::State& state)
+{
+    ScribbleArea canvas;
+    canvas.resize(kPicturePx);
+    canvas.setImage(picture());
+    for (auto _ : state)
+        canvas.setPaintTypeToMosaic();
+}
+BENCHMARK(chooseMosaic)->Unit(benchmark::kMicrosecond);
+
+void send(QWidget& widget, QEvent::Type type, const QPoint& p)
+{
+    const bool move = type == QEvent::MouseMove;
+    QMouseEvent event(type, p, move ? Qt::NoButton : Qt::LeftButton,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(&widget, &event);
+}
+
+void mosaicSegment(benchmark::State& state)
+{
+    ScribbleArea canvas;
+    canvas.resize(kPicturePx);
+    canvas.setImage(picture());
+    canvas.setPaintTypeToMosaic();
+    send(canvas, QEvent::MouseButtonPress, QPoint(1000, 1000));
+    send(canvas, QEvent::MouseMove, QPoint(1040, 1000));
+    bool there = true;
+    for (auto _ : state) {
+        send(canvas, QEvent::MouseMove, there ? QPoint(1000, 1000) : QPoint(1040, 1000));
+        there = !there;
+    }
+}
+BENCHMARK(mosaicSegment)->Unit(benchmark::kMicrosecond);
+
+// Undo and redo of an edit of 200 x 200 pixels.
+void undoAndRedo(benchmark::State& state)
+{
+    ScribbleArea canvas;
+    canvas.resize(kPicturePx);
+    canvas.setImage(picture());
+    canvas.setPaintTypeToGraph();
+    canvas.setGraphState(ScribbleArea::GRAPH_RECT);
+    send(canvas, QEvent::MouseButtonPress, QPoint(1000, 1000));
+    send(canvas, QEvent::MouseMove, QPoint(1197, 1197));
+    send(canvas, QEvent::MouseButtonRelease, QPoint(1197, 1197));
+    canvas.completeScribble();
+    canvas.setPaintTypeToScribble();
+    for (auto _ : state) {
+        canvas.undo();
+        canvas.redo();
+    }
+}
+BENCHMARK(undoAndRedo)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
