@@ -28,10 +28,10 @@ constexpr int kMostPixelsOfReciprocal = 129;
 /// blocks and whole vectors.
 inline int tileWidth(int blockSize)
 {
-    constexpr int kTileVectors = 128;
+    constexpr int kTileVectors = 256;
     return kVectorPx * blockSize * std::max(1, kTileVectors / blockSize);
 }
-constexpr int kMostTileWidthPx = 2 * kVectorPx * kMostBlockSide;
+constexpr int kMostTileWidthPx = kVectorPx * 320;
 
 inline __m128i load(const void* from)
 {
@@ -43,27 +43,63 @@ inline void store(void* to, __m128i value)
     _mm_storeu_si128(static_cast<__m128i*>(to), value);
 }
 
-/// Sums of each column of pixels over `rows` rows, 16 bits to a channel.
-inline void sumColumns(quint16* sums, const uchar* bytes, int stride, int rows, int columns)
+enum class Sums { Fresh, Continued };
+
+/// Sums the columns of `rows` rows of pixels, 16 bits to a channel. A number of rows that the
+/// compiler knows makes a loop without counting.
+template <int Rows, Sums Kind>
+void addRows(quint16* sums, const uchar* bytes, int stride, int rows, int columns)
 {
     const __m128i zero = _mm_setzero_si128();
+    const int count = Rows > 0 ? Rows : rows;
     int x = 0;
-    for (; x + kVectorPx <= columns; x += kVectorPx) {
+    for (; x + 2 * kVectorPx <= columns; x += 2 * kVectorPx) {
         const uchar* from = bytes + x * kPixelBytes;
-        __m128i low = zero;
-        __m128i high = zero;
-        for (int row = 0; row < rows; ++row, from += stride) {
-            const __m128i pixels = load(from);
-            low = _mm_add_epi16(low, _mm_unpacklo_epi8(pixels, zero));
-            high = _mm_add_epi16(high, _mm_unpackhi_epi8(pixels, zero));
+        quint16* to = sums + x * kPixelBytes;
+        __m128i sum0 = Kind == Sums::Fresh ? zero : load(to);
+        __m128i sum1 = Kind == Sums::Fresh ? zero : load(to + 8);
+        __m128i sum2 = Kind == Sums::Fresh ? zero : load(to + 16);
+        __m128i sum3 = Kind == Sums::Fresh ? zero : load(to + 24);
+        for (int row = 0; row < count; ++row, from += stride) {
+            const __m128i left = load(from);
+            const __m128i right = load(from + sizeof(__m128i));
+            sum0 = _mm_add_epi16(sum0, _mm_unpacklo_epi8(left, zero));
+            sum1 = _mm_add_epi16(sum1, _mm_unpackhi_epi8(left, zero));
+            sum2 = _mm_add_epi16(sum2, _mm_unpacklo_epi8(right, zero));
+            sum3 = _mm_add_epi16(sum3, _mm_unpackhi_epi8(right, zero));
         }
-        store(sums + x * kPixelBytes, low);
-        store(sums + x * kPixelBytes + 8, high);
+        store(to, sum0);
+        store(to + 8, sum1);
+        store(to + 16, sum2);
+        store(to + 24, sum3);
     }
-    for (int i = x * kPixelBytes; i < columns * kPixelBytes; ++i) {
-        sums[i] = 0;
-        for (int row = 0; row < rows; ++row)
-            sums[i] = quint16(sums[i] + bytes[i + row * stride]);
+    for (int row = 0; row < count; ++row) {
+        for (int i = x * kPixelBytes; i < columns * kPixelBytes; ++i)
+            sums[i] =
+                quint16((row == 0 && Kind == Sums::Fresh ? 0 : sums[i]) + bytes[i + row * stride]);
+    }
+}
+
+/// Sums of each column of pixels over `rows` rows. A few rows at a time, because processors fetch
+/// only so many streams ahead.
+inline void sumColumns(quint16* sums, const uchar* bytes, int stride, int rows, int columns)
+{
+    constexpr int kMostRowsAtOnce = 10;
+    switch (rows) {
+    case 2:
+        addRows<2, Sums::Fresh>(sums, bytes, stride, rows, columns);
+        return;
+    case 3:
+        addRows<3, Sums::Fresh>(sums, bytes, stride, rows, columns);
+        return;
+    case 4:
+        addRows<4, Sums::Fresh>(sums, bytes, stride, rows, columns);
+        return;
+    default:
+        addRows<0, Sums::Fresh>(sums, bytes, stride, std::min(kMostRowsAtOnce, rows), columns);
+        for (int row = kMostRowsAtOnce; row < rows; row += kMostRowsAtOnce)
+            addRows<0, Sums::Continued>(sums, bytes + qptrdiff(row) * stride, stride,
+                                        std::min(kMostRowsAtOnce, rows - row), columns);
     }
 }
 
