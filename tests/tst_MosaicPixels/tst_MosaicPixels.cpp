@@ -75,19 +75,25 @@ void tst_MosaicPixels::averagesTruncate()
     QCOMPARE(mosaic::makeMosaicColor(image, QRect(1, 0, 1, 1)), qRgba(11, 254, 1, 255));
 }
 
-// One less in one pixel of a uniform block takes the truncated average down by one.
+// One less in one pixel of a uniform block takes the truncated average down by one, also where
+// several blocks are averaged at once.
 void tst_MosaicPixels::averagesAreExactNextToAWholeNumber()
 {
+    constexpr int kBlocks = 7;
     for (int block = 2; block <= 80; ++block) {
         for (int value : {1, 77, 128, 200, 255}) {
-            QImage src(block, block, QImage::Format_RGB32);
+            QImage src(kBlocks * block, block, QImage::Format_RGB32);
             src.fill(QColor(value, value, value));
             QImage dst(src.size(), QImage::Format_ARGB32);
             mosaic::makeMosaicImage(dst, src, block);
-            QCOMPARE(dst.pixel(0, 0), qRgb(value, value, value));
-            src.setPixel(1, 1, qRgb(value - 1, value, value));
+            for (int i = 0; i < kBlocks; ++i)
+                QCOMPARE(dst.pixel(i * block, 0), qRgb(value, value, value));
+            for (int i = 0; i < kBlocks; ++i)
+                src.setPixel(i * block + 1, 1, qRgb(value - 1, value, value));
             mosaic::makeMosaicImage(dst, src, block);
-            QCOMPARE(dst.pixel(block - 1, block - 1), qRgb(value - 1, value, value));
+            for (int i = 0; i < kBlocks; ++i)
+                QCOMPARE(dst.pixel(i * block + block - 1, block - 1),
+                         qRgb(value - 1, value, value));
         }
     }
 }

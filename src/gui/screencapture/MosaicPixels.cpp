@@ -5,9 +5,9 @@
 #include "MosaicPixelsSse2.h"
 #endif
 
-#include <QVector>
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace
 {
@@ -22,16 +22,16 @@ const QRgb* line(const QImage& image, int y)
 }
 
 // Bytes of a pixel as they lie in memory.
-constexpr int kBytesPerPixel = 4;
+constexpr size_t kBytesPerPixel = 4;
 constexpr bool kLittleEndian = Q_BYTE_ORDER == Q_LITTLE_ENDIAN;
 constexpr int kBlueByte = kLittleEndian ? 0 : 3;
 constexpr int kGreenByte = kLittleEndian ? 1 : 2;
 constexpr int kRedByte = kLittleEndian ? 2 : 1;
 
 // A plain loop over bytes, which compilers turn into vector instructions.
-void addRow(quint32* sums, const uchar* bytes, int count)
+void addRow(quint32* sums, const uchar* bytes, size_t count)
 {
-    for (int i = 0; i < count; ++i)
+    for (size_t i = 0; i < count; ++i)
         sums[i] += bytes[i];
 }
 
@@ -66,27 +66,27 @@ public:
     }
     void fill(QRgb* to, int first, int columns) const
     {
-        const quint32* sums = m_sums.constData() + first * kBytesPerPixel;
+        const quint32* sums = m_sums.data() + first * kBytesPerPixel;
         std::fill_n(to + first, columns, averageOf(sums, columns, m_rows));
     }
 
 private:
     int m_rows;
-    QVector<quint32> m_sums;
+    std::vector<quint32> m_sums;
 };
 
 // One row of blocks: averaged into its first row of pixels, which is then repeated.
 void pixelateBand(uchar* to, int toStride, const uchar* from, int fromStride, int width, int rows,
                   int blockSize)
 {
-    QVector<quint32> sums(width * kBytesPerPixel);
+    std::vector<quint32> sums(size_t(width) * kBytesPerPixel);
     for (int row = 0; row < rows; ++row)
         addRow(sums.data(), from + qptrdiff(row) * fromStride, sums.size());
     auto* first = reinterpret_cast<QRgb*>(to);
     for (int x = 0; x < width; x += blockSize) {
         const int columns = std::min(blockSize, width - x);
         std::fill_n(first + x, columns,
-                    averageOf(sums.constData() + x * kBytesPerPixel, columns, rows));
+                    averageOf(sums.data() + size_t(x) * kBytesPerPixel, columns, rows));
     }
     for (int row = 1; row < rows; ++row)
         std::memcpy(to + qptrdiff(row) * toStride, first, size_t(width) * kBytesPerPixel);
@@ -112,11 +112,11 @@ namespace mosaic
 
 QRgb makeMosaicColor(const QImage& image, const QRect& rect)
 {
-    QVector<quint32> sums(rect.width() * kBytesPerPixel);
+    std::vector<quint32> sums(size_t(rect.width()) * kBytesPerPixel);
     for (int y = rect.y(); y < rect.y() + rect.height(); ++y)
         addRow(sums.data(), image.constScanLine(y) + size_t(rect.x()) * kBytesPerPixel,
                sums.size());
-    return averageOf(sums.constData(), rect.width(), rect.height());
+    return averageOf(sums.data(), rect.width(), rect.height());
 }
 
 void makeMosaicImage(QImage& dst, const QImage& src, int blockSize)

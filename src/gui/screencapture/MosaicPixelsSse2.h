@@ -10,10 +10,12 @@
 /// Pixelation for processors with SSE2, which is every 64-bit one of its family: pixels stay groups
 /// of four side by side sums throughout, and the result is written past the caches, because a
 /// picture is larger than they are.
-namespace mosaic::sse2
+namespace mosaic
+{
+namespace sse2
 {
 
-constexpr int kPixelBytes = 4;
+constexpr qptrdiff kPixelBytes = 4;
 constexpr int kVectorPx = 4;
 
 /// Up to here the quotients of averageOf() are exact: a sum plus one half comes no nearer to a
@@ -74,7 +76,7 @@ void addRows(quint16* sums, const uchar* bytes, int stride, int rows, int column
         store(to + 24, sum3);
     }
     for (int row = 0; row < count; ++row) {
-        for (int i = x * kPixelBytes; i < columns * kPixelBytes; ++i)
+        for (qptrdiff i = x * kPixelBytes; i < columns * kPixelBytes; ++i)
             sums[i] =
                 quint16((row == 0 && Kind == Sums::Fresh ? 0 : sums[i]) + bytes[i + row * stride]);
     }
@@ -170,7 +172,7 @@ inline void averageBlocks(QRgb* averages, const quint16* sums, int columns, int 
         for (; x + 4 * blockSize <= columns; x += 4 * blockSize, averages += 4) {
             const quint16* four = sums + x * kPixelBytes;
             const __m128i low = divide(sumOfTwo(four, blockSize));
-            const __m128i high = divide(sumOfTwo(four + 2 * blockSize * kPixelBytes, blockSize));
+            const __m128i high = divide(sumOfTwo(four + 2 * kPixelBytes * blockSize, blockSize));
             store(averages, _mm_or_si128(_mm_packus_epi16(low, high), opaque));
         }
     }
@@ -218,7 +220,7 @@ inline void pixelateBand(uchar* to, int toStride, const uchar* from, int fromStr
     const int tile = tileWidth(blockSize);
     for (int left = 0; left < width; left += tile) {
         const int columns = std::min(tile, width - left);
-        const int offset = left * kPixelBytes;
+        const qptrdiff offset = left * kPixelBytes;
         sumColumns(sums, from + offset, fromStride, rows, columns);
         averageBlocks(averages, sums, columns, rows, blockSize);
         widen(pixels, averages, columns, blockSize);
@@ -228,4 +230,5 @@ inline void pixelateBand(uchar* to, int toStride, const uchar* from, int fromStr
     _mm_sfence();
 }
 
-} // namespace mosaic::sse2
+} // namespace sse2
+} // namespace mosaic
