@@ -77,8 +77,8 @@ void addRows(quint16* sums, const uchar* bytes, int stride, int rows, int column
     }
     for (int row = 0; row < count; ++row) {
         for (qptrdiff i = x * kPixelBytes; i < columns * kPixelBytes; ++i)
-            sums[i] =
-                quint16((row == 0 && Kind == Sums::Fresh ? 0 : sums[i]) + bytes[i + row * stride]);
+            sums[i] = quint16((row == 0 && Kind == Sums::Fresh ? 0 : sums[i]) +
+                              bytes[i + qptrdiff(row) * stride]);
     }
 }
 
