@@ -1,0 +1,408 @@
+// SPDX-License-Identifier: MIT
+#include "myfs.h"
+
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <memory>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utime.h>
+
+#ifdef __APPLE__
+#include <mach-o/dyld.h>
+#include <sys/mount.h>
+#include <sys/param.h>
+#else
+#include <sys/vfs.h>
+#endif
+
+namespace myfs
+{
+
+namespace
+{
+
+constexpr std::size_t kCopyBufferBytes = 0x8000;
+constexpr std::size_t kPathBufferBytes = 1024;
+constexpr mode_t kDirectoryMode = 0700;
+
+std::error_code last_error()
+{
+    return {errno, std::system_category()};
+}
+
+std::error_code no_error()
+{
+    return {0, std::system_category()};
+}
+
+bool query(const path& p, struct stat& status)
+{
+    const std::string text = p.str();
+    return ::stat(text.c_str(), &status) == 0;
+}
+
+bool has_type(const path& p, mode_t type, std::error_code& ec)
+{
+    struct stat status = {};
+    if (query(p, status))
+        return (status.st_mode & S_IFMT) == type;
+    ec = last_error();
+    return false;
+}
+
+/// Fills a buffer of kPathBufferBytes with the zero-terminated path of the executable, and fails
+/// where that is too small.
+bool query_executable(char* buffer)
+{
+#ifdef __APPLE__
+    std::uint32_t size = kPathBufferBytes;
+    return ::_NSGetExecutablePath(buffer, &size) == 0;
+#else
+    const ssize_t length = ::readlink("/proc/self/exe", buffer, kPathBufferBytes);
+    if (length < 0 || length >= static_cast<ssize_t>(kPathBufferBytes))
+        return false;
+    buffer[length] = '\0';
+    return true;
+#endif
+}
+
+ssize_t write_all(int file, const char* data, std::size_t length)
+{
+    while (length > 0) {
+        const ssize_t written = ::write(file, data, length);
+        if (written < 0)
+            return written;
+        data += written;
+        length -= static_cast<std::size_t>(written);
+    }
+    return 1;
+}
+
+/// Negative on failure.
+ssize_t copy_contents(int in, int out)
+{
+    const std::unique_ptr<char[]> buffer(new char[kCopyBufferBytes]);
+    for (;;) {
+        const ssize_t got = ::read(in, buffer.get(), kCopyBufferBytes);
+        if (got <= 0)
+            return got;
+        const ssize_t status = write_all(out, buffer.get(), static_cast<std::size_t>(got));
+        if (status < 0)
+            return status;
+    }
+}
+
+int open_target(const std::string& to, bool fail_if_exists, mode_t mode)
+{
+    return ::open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | (fail_if_exists ? O_EXCL : 0), mode);
+}
+
+void close_keeping_errno(int file)
+{
+    const int kept = errno;
+    ::close(file);
+    errno = kept;
+}
+
+/// Negative on failure, save for a file that cannot be opened or looked at.
+ssize_t copy(const std::string& from, const std::string& to, bool fail_if_exists)
+{
+    // Intended: what cannot be opened counts as copied, and only errno tells.
+    constexpr ssize_t not_opened = 1;
+    const int in = ::open(from.c_str(), O_RDONLY);
+    if (in < 0)
+        return not_opened;
+    struct stat source = {};
+    const bool known = ::stat(from.c_str(), &source) == 0;
+    const int out = known ? open_target(to, fail_if_exists, source.st_mode) : -1;
+    if (out < 0) {
+        close_keeping_errno(in);
+        return not_opened;
+    }
+    ssize_t status = copy_contents(in, out);
+    if (::close(in) < 0)
+        status = -1;
+    if (::close(out) < 0)
+        status = -1;
+    return status;
+}
+
+} // namespace
+
+bool exists(const path& p, std::error_code& ec)
+{
+    const std::string text = p.str();
+    if (::access(text.c_str(), F_OK) == 0)
+        return true;
+    ec = last_error();
+    return false;
+}
+
+bool exists(const path& p)
+{
+    std::error_code ignored = no_error();
+    return exists(p, ignored);
+}
+
+bool is_directory(const path& p, std::error_code& ec)
+{
+    return has_type(p, S_IFDIR, ec);
+}
+
+bool is_directory(const path& p)
+{
+    std::error_code ignored = no_error();
+    return is_directory(p, ignored);
+}
+
+bool is_regular_file(const path& p, std::error_code& ec)
+{
+    return has_type(p, S_IFREG, ec);
+}
+
+bool is_regular_file(const path& p)
+{
+    std::error_code ignored = no_error();
+    return is_regular_file(p, ignored);
+}
+
+bool directory_exists(const path& p)
+{
+    return exists(p) && is_directory(p);
+}
+
+bool file_exists(const path& p)
+{
+    return exists(p) && is_regular_file(p);
+}
+
+// Intended: the argument is ignored.
+bool not_found_error(int /*error*/)
+{
+    return errno == ENOENT || errno == ENOTDIR;
+}
+
+// Intended: here and in the other actions the code takes errno on success too.
+bool create_directory(const path& p, std::error_code& ec)
+{
+    const std::string text = p.str();
+    const bool ok = ::mkdir(text.c_str(), kDirectoryMode) == 0;
+    ec = last_error();
+    return ok;
+}
+
+bool create_directory(const path& p)
+{
+    std::error_code ignored = no_error();
+    return create_directory(p, ignored);
+}
+
+bool create_directory_r(const path& p, std::error_code& ec)
+{
+    const path parent = p.parent_path();
+    if (!parent.empty()) {
+        const bool usable = exists(parent) ? is_directory(parent) : create_directory_r(parent, ec);
+        if (!usable)
+            return false;
+    }
+    if (exists(p))
+        return is_directory(p);
+    const bool ok = create_directory(p, ec);
+    if (!ok)
+        std::printf("create directory '%s' failed, errno=%d\n", p.string().c_str(), ec.value());
+    return ok;
+}
+
+bool create_directory_r(const path& p)
+{
+    std::error_code ignored = no_error();
+    return create_directory_r(p, ignored);
+}
+
+std::string create_sub_directory(const char* parent, const char* sub)
+{
+    path p(parent);
+    p.append(sub);
+    create_directory_r(p);
+    return p.string();
+}
+
+bool copy_regular_file(const path& from, const path& to, bool fail_if_exists, std::error_code& ec)
+{
+    const ssize_t status = copy(from.str(), to.str(), fail_if_exists);
+    ec = last_error();
+    return status >= 0;
+}
+
+bool copy_regular_file(const path& from, const path& to, bool fail_if_exists)
+{
+    std::error_code ignored = no_error();
+    return copy_regular_file(from, to, fail_if_exists, ignored);
+}
+
+// Intended: the flag has no effect.
+long long file_size(const path& p, std::error_code& ec, bool /*flag*/)
+{
+    struct stat status = {};
+    const bool ok = query(p, status);
+    ec = last_error();
+    return ok ? status.st_size : 0;
+}
+
+long long file_size(const path& p, bool flag)
+{
+    std::error_code ignored = no_error();
+    return file_size(p, ignored, flag);
+}
+
+long long last_write_time(const path& p)
+{
+    struct stat status = {};
+    return query(p, status) ? status.st_mtime : -1;
+}
+
+void last_write_time(const path& p, long long t)
+{
+    struct stat status = {};
+    if (!query(p, status))
+        return;
+    const utimbuf times = {status.st_atime, static_cast<std::time_t>(t)};
+    ::utime(p.str().c_str(), &times);
+}
+
+long long last_modify_time(const path& p)
+{
+    struct stat status = {};
+    // Intended: failure is not looked at.
+    query(p, status);
+    return status.st_mtime;
+}
+
+bool remove(const path& p, std::error_code& ec)
+{
+    const std::string text = p.str();
+    const bool ok = std::remove(text.c_str()) == 0;
+    ec = last_error();
+    return ok;
+}
+
+bool remove(const path& p)
+{
+    std::error_code ignored = no_error();
+    return remove(p, ignored);
+}
+
+bool remove_directory(const path& p)
+{
+    return ::rmdir(p.str().c_str()) == 0;
+}
+
+bool rename(const path& from, const path& to, std::error_code& ec)
+{
+    const std::string source = from.str();
+    const std::string target = to.str();
+    const bool ok = std::rename(source.c_str(), target.c_str()) == 0;
+    ec = last_error();
+    return ok;
+}
+
+bool rename(const path& from, const path& to)
+{
+    std::error_code ignored = no_error();
+    return rename(from, to, ignored);
+}
+
+bool resize_file(const path& p, long long size, std::error_code& ec)
+{
+    const std::string text = p.str();
+    const bool ok = ::truncate(text.c_str(), static_cast<off_t>(size)) == 0;
+    ec = last_error();
+    return ok;
+}
+
+bool resize_file(const path& p, long long size)
+{
+    std::error_code ignored = no_error();
+    return resize_file(p, size, ignored);
+}
+
+disk_space space(const path& p, std::error_code& ec)
+{
+    const std::string text = p.str();
+    struct statfs status = {};
+    disk_space bytes;
+    const bool ok = ::statfs(text.c_str(), &status) == 0;
+    ec = last_error();
+    if (!ok)
+        return bytes;
+    const auto block = static_cast<std::uint64_t>(status.f_bsize);
+    bytes.capacity = block * status.f_blocks;
+    bytes.free = block * status.f_bfree;
+    bytes.available = block * status.f_bavail;
+    return bytes;
+}
+
+disk_space space(const path& p)
+{
+    std::error_code ignored = no_error();
+    return space(p, ignored);
+}
+
+path current_path()
+{
+    char buffer[kPathBufferBytes] = {};
+    if (::getcwd(buffer, sizeof buffer) == nullptr) {
+        throw std::runtime_error(std::string("Internal error in getcwd(): ") +
+                                 std::strerror(errno));
+    }
+    return {buffer};
+}
+
+void current_path(const path& p, std::error_code& ec)
+{
+    const std::string text = p.str();
+    static_cast<void>(::chdir(text.c_str()) == 0);
+    ec = last_error();
+}
+
+void current_path(const path& p)
+{
+    std::error_code ignored = no_error();
+    current_path(p, ignored);
+}
+
+const path& initial_path()
+{
+    static path cached;
+    if (cached.empty())
+        cached = current_path();
+    return cached;
+}
+
+path absolute(const path& p)
+{
+    return p.make_absolute();
+}
+
+path app_path()
+{
+    static path cached;
+    char buffer[kPathBufferBytes] = {};
+    // A failure is not assigned: the empty text is a component, and the next call would not ask.
+    if (cached.empty() && query_executable(buffer)) {
+        std::printf("executable path is %s\n", buffer);
+        cached = path(buffer);
+    }
+    return cached;
+}
+
+void set_app_path()
+{
+    current_path(app_path().parent_path());
+}
+
+} // namespace myfs

@@ -1,0 +1,358 @@
+// SPDX-License-Identifier: MIT
+#include "code_convert.h"
+#include "myfs.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+
+namespace myfs
+{
+
+namespace
+{
+
+constexpr const char* kSeparators = "/\\";
+constexpr const char* kUncMarker = "\\\\";
+
+bool is_unc_marker(const std::string& component)
+{
+    return component == kUncMarker;
+}
+
+bool has_drive(const std::string& text)
+{
+    return text.size() >= 2 && text[1] == ':';
+}
+
+bool has_unc_prefix(const std::string& text)
+{
+    return text.size() > 2 && is_separator(text[0]) && is_separator(text[1]);
+}
+
+bool names_no_file(const std::string& component)
+{
+    return is_unc_marker(component) || component.find(':') != std::string::npos;
+}
+
+std::size_t rendered_bytes(const std::vector<std::string>& components)
+{
+    std::size_t bytes = components.size();
+    for (const std::string& component : components)
+        bytes += component.size();
+    return bytes;
+}
+
+std::size_t count_of(const std::string& text, const std::string& delimiters)
+{
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [&](char c) { return delimiters.find(c) != std::string::npos; }));
+}
+
+} // namespace
+
+path::path(const char* text)
+{
+    set(std::string(text), POSIX_PATH);
+}
+
+path::path(const std::string& text)
+{
+    set(text, POSIX_PATH);
+}
+
+path::path(const wchar_t* text)
+{
+    set(std::wstring(text), POSIX_PATH);
+}
+
+path::path(const std::wstring& text)
+{
+    set(text, POSIX_PATH);
+}
+
+path& path::operator=(const path& other)
+{
+    // Intended: the text is parsed again, which turns the root into one empty component.
+    set(other.string(), POSIX_PATH);
+    return *this;
+}
+
+path& path::operator=(const char* text)
+{
+    set(std::string(text), POSIX_PATH);
+    return *this;
+}
+
+path& path::operator=(const std::string& text)
+{
+    set(text, POSIX_PATH);
+    return *this;
+}
+
+void path::set(const std::string& text, SYSPATHTYPE type)
+{
+    m_type = type;
+    m_components = tokenize(text, kSeparators);
+    if (type != WINDOWS_PATH) {
+        // Intended: a leading backslash separates but does not make the path absolute.
+        m_absolute = !text.empty() && text[0] == '/';
+        return;
+    }
+    m_absolute = has_drive(text);
+    if (!m_absolute && has_unc_prefix(text)) {
+        m_absolute = true;
+        m_components.insert(m_components.begin(), kUncMarker);
+    }
+}
+
+void path::set(const std::wstring& text, SYSPATHTYPE type)
+{
+    set(CodeCvt::utf16_to_utf8(text), type);
+}
+
+std::string path::string() const
+{
+    std::string text;
+    path_to_string(m_components, text, m_absolute, m_type);
+    return text;
+}
+
+std::string path::str() const
+{
+    return string();
+}
+
+std::string path::generic_string() const
+{
+    std::string text;
+    path_to_string(m_components, text, m_absolute, POSIX_PATH);
+    return text;
+}
+
+std::wstring path::wstring() const
+{
+    return CodeCvt::utf8_to_utf16(str());
+}
+
+std::wstring path::wstr() const
+{
+    return wstring();
+}
+
+std::wstring path::generic_wstring() const
+{
+    return CodeCvt::utf8_to_utf16(generic_string());
+}
+
+// Intended: the root has no components and counts as empty, the empty text has one and does not.
+bool path::empty() const
+{
+    return m_components.empty();
+}
+
+bool path::is_absolute() const
+{
+    return m_absolute;
+}
+
+std::size_t path::size() const
+{
+    return m_components.size();
+}
+
+// Intended: style and absoluteness outlive the components.
+void path::clear()
+{
+    m_components.clear();
+}
+
+path& path::append(const path& p)
+{
+    // Intended: an absolute path is ignored, or, by an empty path, taken without its root.
+    if (!empty() && p.is_absolute())
+        return *this;
+    const std::size_t count = p.m_components.size();
+    m_components.reserve(m_components.size() + count);
+    for (std::size_t i = 0; i < count; ++i)
+        m_components.push_back(p.m_components[i]);
+    return *this;
+}
+
+path& path::append(const char* text)
+{
+    return append(path(text));
+}
+
+path& path::append(const std::string& text)
+{
+    return append(path(text));
+}
+
+path path::parent_path() const
+{
+    path parent;
+    parent.m_absolute = m_absolute;
+    if (!empty())
+        parent.m_components.assign(m_components.begin(), m_components.end() - 1);
+    else if (!m_absolute)
+        parent.m_components.emplace_back("..");
+    return parent;
+}
+
+path& path::remove_filename()
+{
+    if (!empty())
+        *this = parent_path();
+    return *this;
+}
+
+path path::root_name() const
+{
+    return empty() ? path() : path(m_components.front());
+}
+
+path path::leaf_name() const
+{
+    return empty() ? path() : path(m_components.back());
+}
+
+path path::filename() const
+{
+    if (empty() || names_no_file(m_components.back()))
+        return {};
+    return {m_components.back()};
+}
+
+path path::extension() const
+{
+    const std::string name = filename().string();
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string::npos ? path() : path(name.substr(dot));
+}
+
+path path::basename() const
+{
+    const std::string name = filename().string();
+    // Intended: the text before a leading dot is "", and a path of that has one empty component.
+    return {name.substr(0, name.rfind('.'))};
+}
+
+path& path::replace_extension(const path& ext)
+{
+    if (empty() || names_no_file(m_components.back()))
+        return *this;
+    std::string& name = m_components.back();
+    const std::size_t dot = name.rfind('.');
+    if (dot != std::string::npos)
+        name.erase(dot);
+    const std::string added = ext.generic_string();
+    if (!added.empty() && added.front() != '.')
+        name.push_back('.');
+    name.append(added);
+    return *this;
+}
+
+// Intended: style and absoluteness stay with their objects.
+void path::swap(path& other)
+{
+    m_components.swap(other.m_components);
+}
+
+path path::make_absolute() const
+{
+    char resolved[PATH_MAX] = {};
+    if (::realpath(str().c_str(), resolved) == nullptr) {
+        throw std::runtime_error(std::string("Internal error in realpath(): ") +
+                                 std::strerror(errno));
+    }
+    return {resolved};
+}
+
+// Intended: absolute and relative paths with the same components are equal.
+int path::compare(const path& other) const
+{
+    if (m_components == other.m_components)
+        return 0;
+    return m_components < other.m_components ? -1 : 1;
+}
+
+gbk_path::gbk_path(const char* text)
+    : gbk_path(std::string(text))
+{
+}
+
+gbk_path::gbk_path(const std::string& text)
+{
+    set(CodeCvt::gbk_to_utf8(text), POSIX_PATH);
+}
+
+bool operator<(const path& a, const path& b)
+{
+    return a.compare(b) < 0;
+}
+
+std::string native_sep()
+{
+    return "/";
+}
+
+char native_sep_char()
+{
+    return '/';
+}
+
+std::wstring native_wsep()
+{
+    return L"/";
+}
+
+bool is_separator(char c)
+{
+    return c == '/' || c == '\\';
+}
+
+std::vector<std::string> tokenize(const std::string& text, const std::string& delimiters)
+{
+    // Intended: the empty text is one empty piece, the only empty piece there is.
+    if (text.empty())
+        return {std::string()};
+
+    std::vector<std::string> pieces;
+    pieces.reserve(count_of(text, delimiters) + 1);
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = start;
+        while (end < text.size() && delimiters.find(text[end]) == std::string::npos)
+            ++end;
+        const std::size_t length = end - start;
+        if (length > 0 && !(length == 1 && text[start] == '.'))
+            pieces.emplace_back(text, start, length);
+        start = end + 1;
+    }
+    return pieces;
+}
+
+void path_to_string(const std::vector<std::string>& components, std::string& out, bool absolute,
+                    path::SYSPATHTYPE type)
+{
+    // Intended: without components there is no leading separator either.
+    if (components.empty())
+        return;
+    out.reserve(out.size() + rendered_bytes(components));
+    const char separator = type == path::WINDOWS_PATH ? '\\' : '/';
+    const bool unc = is_unc_marker(components.front());
+    if (type == path::POSIX_PATH && absolute && !unc)
+        out.push_back('/');
+    for (std::size_t i = 0; i < components.size(); ++i) {
+        out.append(components[i]);
+        const bool last = i + 1 == components.size();
+        if (!last && !(i == 0 && unc))
+            out.push_back(separator);
+    }
+}
+
+} // namespace myfs
