@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "MainWindow.h"
 #include "OneCapture.h"
+#include "ScreenCaptureTool.h"
 
 #include <QApplication>
 #include <QDir>
@@ -84,6 +85,7 @@ int main(int argc, char** argv)
     const QString settings = settingsDir(commandLine);
     if (!QDir().mkpath(settings))
         return fail(CommandLine::tr("cannot create the settings directory '%1'").arg(settings));
+    ScreenCaptureTool::init(settings);
     return commandLine.action() == CommandLine::Action::Once ? runOnce(commandLine)
                                                              : runWindow(commandLine);
 }

@@ -102,7 +102,12 @@ void tst_ScreenCaptureWnd::metaObjectKeepsSignalsAndSlotsInOrder()
                                       "onBtnSend()",
                                       "accept()",
                                       "reject()",
-                                      "onCaptureRectChanged(QRect)"};
+                                      "onCaptureRectChanged(QRect)",
+                                      "onPaintTypeChanged()",
+                                      "onFontSizeChanged(QString)",
+                                      "onPenWidthChanged(int)",
+                                      "onPenColorChanged(QColor)",
+                                      "onMosaicBlurChanged(int)"};
     QCOMPARE(meta.className(), "ScreenCaptureWnd");
     int index = meta.methodOffset();
     for (const char* signature : signatures)

@@ -5,6 +5,7 @@
 #include "OverlayGeometry.h"
 #include "ResizableRect.h"
 #include "ScribbleArea.h"
+#include "StyleSheets.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -15,6 +16,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPixmap>
+#include <QPushButton>
 #include <QScreen>
 
 namespace
@@ -22,15 +24,10 @@ namespace
 
 constexpr int kDimAlpha = 100;
 constexpr int kMinRegionSidePx = 3;
-constexpr int kToolBarHeightPx = 30;
 constexpr qreal kGrabWindowBorderPx = 4.0;
 constexpr QSize kGrabWindowInsetPx(4, 4);
 
 const char* const kSelectionColor = "#00aacc";
-
-// Intended: the closing brace without an opening one stands as it is.
-const char* const kTransparentStyleSheet =
-    "background:rgba(0,0,0,0%); border-width:0; border-style:outset}";
 
 } // namespace
 
@@ -96,34 +93,10 @@ void ScreenCaptureWnd::initCaptureRect()
 void ScreenCaptureWnd::initMagnifier()
 {
     m_magnifier = new MagnifierWidget(this);
-    m_magnifier->setStyleSheet(kTransparentStyleSheet);
+    m_magnifier->setStyleSheet(style::kTransparent);
     m_magnifier->setSize(overlay::kLoupeSidePx);
     m_magnifier->setCrossColor(QColor(kSelectionColor));
     updateMagnifierAtCursor();
-}
-
-void ScreenCaptureWnd::initToolBars()
-{
-    m_mainToolBar = new QWidget(this);
-    m_mainToolBar->setObjectName(QStringLiteral("mainToolBar"));
-    m_mainToolBar->setFixedHeight(kToolBarHeightPx);
-    m_mainToolBar->resize(0, kToolBarHeightPx);
-    m_mainToolBar->hide();
-}
-
-// The canvas is created once and reused; each time it takes the region's pixels from the desktop.
-void ScreenCaptureWnd::initScribbleArea()
-{
-    if (!m_scribbleArea) {
-        m_scribbleArea = new ScribbleArea(this);
-        m_scribbleArea->installEventFilter(this);
-        m_scribbleArea->setWindowFlags(Qt::FramelessWindowHint);
-        m_scribbleArea->setStyleSheet(kTransparentStyleSheet);
-        m_scribbleArea->stackUnder(m_mainToolBar);
-    }
-    m_scribbleArea->setGeometry(m_rectCapture->rect());
-    m_scribbleArea->setImage(captureImage());
-    m_scribbleArea->show();
 }
 
 void ScreenCaptureWnd::connectTo(QObject* receiver, const char* member)
@@ -172,6 +145,11 @@ void ScreenCaptureWnd::reset()
     m_rectCapture->setVisible(false);
     putCanvasAway();
     m_mainToolBar->hide();
+    if (m_checkedButton) {
+        m_checkedButton->setChecked(false);
+        m_checkedButton = nullptr;
+    }
+    m_btnRedo->setEnabled(false);
     updateMagnifierAtCursor();
     m_magnifier->show();
     m_grabWindowRect = makeGrabWholeWindowRect(QCursor::pos());
@@ -185,6 +163,7 @@ void ScreenCaptureWnd::putCanvasAway()
         return;
     m_scribbleArea->hide();
     m_scribbleArea->setImage(QImage());
+    m_subToolBar->hide();
 }
 
 void ScreenCaptureWnd::undo()
@@ -194,6 +173,7 @@ void ScreenCaptureWnd::undo()
             reset();
     } else if (m_scribbleArea->canUndo()) {
         m_scribbleArea->undo();
+        m_btnRedo->setEnabled(true);
     } else {
         reset();
     }
@@ -201,8 +181,10 @@ void ScreenCaptureWnd::undo()
 
 void ScreenCaptureWnd::redo()
 {
-    if (m_scribbleArea)
-        m_scribbleArea->redo();
+    if (!m_scribbleArea)
+        return;
+    m_scribbleArea->redo();
+    m_btnRedo->setEnabled(m_scribbleArea->canRedo());
 }
 
 void ScreenCaptureWnd::save()

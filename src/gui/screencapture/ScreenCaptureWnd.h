@@ -10,9 +10,16 @@
 #include <QPointer>
 #include <QRect>
 
+class ColorWidget;
 class MagnifierWidget;
+class PenWidthWidget;
+class QAbstractButton;
+class QComboBox;
+class QLabel;
+class QPushButton;
 class ResizableRect;
 class ScribbleArea;
+struct ScreenCaptureToolColors;
 
 /// The one window through which an application takes a screenshot.
 ///
@@ -85,6 +92,13 @@ public slots:
     /// Cancels the capture.
     void reject() override;
     void onCaptureRectChanged(const QRect& rect);
+    /// A tool button was clicked.
+    void onPaintTypeChanged();
+    /// The settings of the chosen tool; sizes are points, widths and blur are pixels.
+    void onFontSizeChanged(const QString& size);
+    void onPenWidthChanged(int width);
+    void onPenColorChanged(QColor c);
+    void onMosaicBlurChanged(int value);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -107,6 +121,14 @@ private:
     void initCaptureRect();
     void initMagnifier();
     void initToolBars();
+    void initSubToolBar();
+    QWidget* createToolBar(const QString& name, const QMargins& margins);
+    QPushButton* createToolButton(const QString& icon, const QString& toolTip);
+    QPushButton* createCommandButton(const QString& icon, const QString& toolTip, const char* slot);
+    QPushButton* createDoneButton();
+    QLabel* createSeparator();
+    QComboBox* createFontSizeBox();
+    QWidget* createMosaicPanel();
     void initScribbleArea();
 
     bool beginEnd();
@@ -116,6 +138,16 @@ private:
     QRect makeGrabWholeWindowRect(const QPoint& globalPos);
     void updateGrabWindowRect(const QPoint& globalPos);
     void updateMainToolBarPos(int extraHeight);
+    void updateSubToolBarPos();
+
+    void beginAnnotating();
+    void applyCheckedTool();
+    void chooseGraph(int state, const QPen& pen);
+    void showPenSettings(const QPen& pen);
+    void showSubToolBarForPen();
+    void showSubToolBarForText();
+    void showSubToolBarForMosaic();
+    void setScribbleAreaToolColor(const ScreenCaptureToolColors& colors);
 
     void startSelection(const QPoint& pos);
     void dragSelection(const QPoint& pos);
@@ -137,6 +169,20 @@ private:
     QPoint m_pressPos;
     ScribbleArea* m_scribbleArea = nullptr;
     QWidget* m_mainToolBar = nullptr;
+    QPushButton* m_btnScribble = nullptr;
+    QPushButton* m_btnText = nullptr;
+    QPushButton* m_btnRect = nullptr;
+    QPushButton* m_btnEllipse = nullptr;
+    QAbstractButton* m_checkedButton = nullptr;
+    QPushButton* m_btnRedo = nullptr;
+    QPushButton* m_btnArrow = nullptr;
+    QPushButton* m_btnMosaic = nullptr;
+    QWidget* m_subToolBar = nullptr;
+    QLabel* m_fontSizeLabel = nullptr;
+    QComboBox* m_fontSizeBox = nullptr;
+    PenWidthWidget* m_penWidthWidget = nullptr;
+    ColorWidget* m_colorWidget = nullptr;
+    QWidget* m_mosaicPanel = nullptr;
     QRect m_grabWindowRect;
     MagnifierWidget* m_magnifier = nullptr;
     bool m_fullDesktop = false;

@@ -3,6 +3,7 @@
 
 #include "MosaicPixels.h"
 #include "ResizableRect.h"
+#include "StyleSheets.h"
 
 #include <QBrush>
 #include <QCursor>
@@ -27,11 +28,6 @@ constexpr qreal kShapePenWidthPx = 2.0;
 constexpr qreal kArrowPenWidthPx = 6.0;
 
 const QColor kShapeColor(251, 56, 56, 255);
-
-// Intended: the closing brace without an opening one stands as it is. Qt says that it cannot parse
-// this, and applies what stands before the brace.
-const char* const kTransparentStyleSheet =
-    "background:rgba(0,0,0,0%); border-width:0; border-style:outset}";
 
 QPen shapePen(qreal width, Qt::PenJoinStyle join)
 {
@@ -428,7 +424,7 @@ void ScribbleArea::initTextEdit()
     m_textEdit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_textEdit->setLineWrapMode(QTextEdit::NoWrap);
     m_textEdit->setUndoRedoEnabled(false);
-    m_textEdit->setStyleSheet(kTransparentStyleSheet);
+    m_textEdit->setStyleSheet(style::kTransparent);
     m_textEdit->setGeometry(
         m_resizableRect->rect().adjusted(kTextInsetPx, kTextInsetPx, -kTextInsetPx, -kTextInsetPx));
     m_textEdit->hide();

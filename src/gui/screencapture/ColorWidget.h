@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QColor>
+#include <QList>
+#include <QRect>
+#include <QWidget>
+
+/// A palette of fixed size: a box with the current colour and two rows of eight colours beside it.
+///
+/// The cell under the pointer is framed; a left click takes its colour. Coordinates are pixels of
+/// the widget. GUI thread only.
+class ColorWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ColorWidget(QWidget* parent);
+
+    /// Shows `c`, which need not be one of the palette, without a signal.
+    void setColor(const QColor& c);
+    /// The cell in `row` 0 or 1, `col` 0 to 7.
+    QRect cellRect(int row, int col);
+
+signals:
+    /// A click chose another colour than the current one.
+    void currentColorChanged(QColor c);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void initColors();
+    bool isHovering() const;
+    void paintCurrentColor(QPainter& painter) const;
+    void paintCells(QPainter& painter);
+    void paintHoverFrame(QPainter& painter);
+
+    QColor m_currentColor;
+    int m_hoverRow = -1;
+    int m_hoverCol = -1;
+    QList<QColor> m_colors;
+};

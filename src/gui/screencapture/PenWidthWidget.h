@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QWidget>
+
+class QSlider;
+
+/// A slider for a pen's width, 1 to 30 pixels, with a square of that size beside it.
+///
+/// GUI thread only.
+class PenWidthWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PenWidthWidget(QWidget* parent);
+
+public slots:
+    /// Moves the slider to `width` as far as its range goes, and emits currentWidthChanged() with
+    /// `width` as given, whether or not anything changed. A slider that moves calls this itself, so
+    /// that a change is announced twice: with the slider's value and then with the argument.
+    void setWidth(int width);
+
+signals:
+    void currentWidthChanged(int width);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QSlider* m_slider;
+};

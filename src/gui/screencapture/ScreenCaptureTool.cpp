@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "ScreenCaptureTool.h"
+
+#include "myfs.h"
+
+#include <QSettings>
+#include <QVariant>
+
+namespace
+{
+
+const char* const kSettingsFile = "screencapture.ini";
+const char* const kColorGroup = "pen_color";
+
+const QString kScribble = QStringLiteral("scribbleColor");
+const QString kRect = QStringLiteral("rectColor");
+const QString kEllipse = QStringLiteral("ellipseColor");
+const QString kArrow = QStringLiteral("arrowColor");
+const QString kText = QStringLiteral("textColor");
+
+const QColor kDefaultPenColor(251, 56, 56, 255);
+const QColor kDefaultTextColor(0, 0, 0, 255);
+
+ScreenCaptureToolHelper s_Helper;
+
+} // namespace
+
+ScreenCaptureToolHelper::ScreenCaptureToolHelper()
+{
+    for (const QString& key : {kScribble, kRect, kEllipse, kArrow})
+        m_penColors[key] = kDefaultPenColor;
+    m_penColors[kText] = kDefaultTextColor;
+}
+
+void ScreenCaptureTool::init(const QString& dir)
+{
+    myfs::path file(dir.toStdString());
+    file.append(kSettingsFile);
+    s_Helper.m_iniPath = QString::fromStdString(file.string());
+
+    QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
+    settings.beginGroup(kColorGroup);
+    // Intended: every entry is loaded, and one that is no number is a transparent black.
+    for (const QString& key : settings.allKeys())
+        s_Helper.m_penColors[key] = QColor::fromRgba(settings.value(key, QVariant()).toUInt());
+    settings.endGroup();
+}
+
+void ScreenCaptureTool::penColor(ScreenCaptureToolColors& colors)
+{
+    colors.scribbleColor = s_Helper.m_penColors[kScribble];
+    colors.rectColor = s_Helper.m_penColors[kRect];
+    colors.ellipseColor = s_Helper.m_penColors[kEllipse];
+    colors.arrowColor = s_Helper.m_penColors[kArrow];
+}
+
+void ScreenCaptureTool::setPenColor(const ScreenCaptureToolColors& colors)
+{
+    s_Helper.m_penColors[kScribble] = colors.scribbleColor;
+    s_Helper.m_penColors[kRect] = colors.rectColor;
+    s_Helper.m_penColors[kEllipse] = colors.ellipseColor;
+    s_Helper.m_penColors[kArrow] = colors.arrowColor;
+    s_Helper.m_penColors[kText] = colors.textColor;
+    if (s_Helper.m_iniPath.isEmpty())
+        return;
+
+    // Intended: the text colour lives in memory only.
+    QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
+    settings.beginGroup(kColorGroup);
+    for (const QString& key : {kScribble, kRect, kEllipse, kArrow})
+        settings.setValue(key, QVariant(uint(s_Helper.m_penColors[key].rgba())));
+    settings.endGroup();
+}
