@@ -105,12 +105,15 @@ void ScreenCaptureWnd::initToolBars()
     initSubToolBar();
 }
 
+// What misses a button, or hits a disabled one, must not reach the window beneath: there a double
+// click would finish the capture and a right click drop the region.
 QWidget* ScreenCaptureWnd::createToolBar(const QString& name, const QMargins& margins)
 {
     auto* bar = new QWidget(this);
     bar->setObjectName(name);
     bar->setStyleSheet(style::kToolBar);
     bar->setCursor(Qt::ArrowCursor);
+    bar->setAttribute(Qt::WA_NoMousePropagation);
     bar->installEventFilter(this);
     bar->hide();
     (new QHBoxLayout(bar))->setContentsMargins(margins);
@@ -131,6 +134,7 @@ QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QS
 {
     auto* button = new QPushButton(QIcon(icon(name)), QString());
     button->setToolTip(toolTip);
+    button->setStyleSheet(style::kDarkToolTip);
     button->setAccessibleName(toolTip);
     button->setAutoDefault(false);
     connect(button, SIGNAL(clicked()), this, slot);
@@ -141,6 +145,7 @@ QPushButton* ScreenCaptureWnd::createDoneButton()
 {
     auto* button = new QPushButton(QIcon(icon("done")), tr("done"));
     button->setFixedSize(kDoneButtonSizePx);
+    button->setStyleSheet(style::kDarkText);
     button->setDefault(true);
     button->setAutoDefault(false);
     connect(button, SIGNAL(clicked()), this, SLOT(onBtnSend()));
@@ -184,7 +189,10 @@ QComboBox* ScreenCaptureWnd::createFontSizeBox()
 {
     auto* box = new QComboBox;
     box->setFixedSize(kFontSizeBoxSizePx);
+    box->setStyleSheet(style::kDarkText);
     box->setAccessibleName(tr("Font size"));
+    // A click leaves the focus with the text that is being typed.
+    box->setFocusPolicy(Qt::TabFocus);
     for (const int size : kFontSizesPt)
         box->addItem(QString::number(size));
     connect(box, SIGNAL(currentIndexChanged(QString)), this, SLOT(onFontSizeChanged(QString)));
@@ -204,9 +212,11 @@ QWidget* ScreenCaptureWnd::createMosaicPanel()
     slider->setAccessibleName(tr("Blur"));
     connect(slider, SIGNAL(valueChanged(int)), this, SLOT(onMosaicBlurChanged(int)));
 
+    auto* label = new QLabel(tr("Blur"));
+    label->setStyleSheet(style::kDarkText);
     auto* layout = new QHBoxLayout(panel);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(new QLabel(tr("Blur")));
+    layout->addWidget(label);
     layout->addWidget(slider);
     return panel;
 }

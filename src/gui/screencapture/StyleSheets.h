@@ -12,4 +12,9 @@ constexpr const char* kTransparent =
 
 constexpr const char* kToolBar = "background:rgba(255,255,255,100%)";
 
+/// The bars, and the tool tips over them, are white on any desktop, so what is written there must
+/// be dark on any.
+constexpr const char* kDarkText = "color: black";
+constexpr const char* kDarkToolTip = "QToolTip { color: black; }";
+
 } // namespace style
