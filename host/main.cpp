@@ -3,6 +3,7 @@
 #include "MainWindow.h"
 #include "OneCapture.h"
 #include "ScreenCaptureTool.h"
+#include "Translations.h"
 
 #include <QApplication>
 #include <QDir>
@@ -17,6 +18,7 @@ namespace
 CommandLine readCommandLine(int argc, char** argv)
 {
     const QCoreApplication app(argc, argv);
+    installTranslations();
     return CommandLine(QCoreApplication::arguments());
 }
 
@@ -77,6 +79,7 @@ int main(int argc, char** argv)
     const QtMessageHandler handler = qInstallMessageHandler(refuseWithoutDisplay);
     QApplication app(argc, argv);
     qInstallMessageHandler(handler);
+    installTranslations();
     QApplication::setApplicationName(QStringLiteral("capture-host"));
     QApplication::setApplicationVersion(QStringLiteral(CAPTURE_HOST_VERSION));
     QApplication::setQuitOnLastWindowClosed(false);

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 # Sourced by the suites beside it: small checks that say what went wrong and are counted.
+export LC_ALL=C.UTF-8
 failures=0
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
