@@ -4,7 +4,6 @@
 #include "StdText.h"
 #include "myfs.h"
 
-#include <QDir>
 #include <QRandomGenerator>
 
 #include <cerrno>
@@ -27,11 +26,6 @@ std::string noise(std::size_t bytes)
     for (char& byte : contents)
         byte = static_cast<char>(random.generate());
     return contents;
-}
-
-int openFiles()
-{
-    return QDir("/proc/self/fd").entryList(QDir::NoDotAndDotDot | QDir::System).size();
 }
 
 struct Result {
