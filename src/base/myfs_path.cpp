@@ -15,8 +15,13 @@ namespace myfs
 namespace
 {
 
-constexpr const char* kSeparators = "/\\";
 constexpr const char* kUncMarker = "\\\\";
+
+// Not is_separator(), which a program may replace and the compiler therefore not inline.
+bool separates(char c)
+{
+    return c == '/' || c == '\\';
+}
 
 bool is_unc_marker(const std::string& component)
 {
@@ -30,7 +35,7 @@ bool has_drive(const std::string& text)
 
 bool has_unc_prefix(const std::string& text)
 {
-    return text.size() > 2 && is_separator(text[0]) && is_separator(text[1]);
+    return text.size() > 2 && separates(text[0]) && separates(text[1]);
 }
 
 bool names_no_file(const std::string& component)
@@ -46,10 +51,24 @@ std::size_t rendered_bytes(const std::vector<std::string>& components)
     return bytes;
 }
 
-std::size_t count_of(const std::string& text, const std::string& delimiters)
+template <typename IsDelimiter>
+std::vector<std::string> split(const std::string& text, IsDelimiter is_delimiter)
 {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [&](char c) { return delimiters.find(c) != std::string::npos; }));
+    // Intended: the empty text is one empty piece, the only empty piece there is.
+    if (text.empty())
+        return {std::string()};
+
+    std::vector<std::string> pieces;
+    const auto delimiters = std::count_if(text.begin(), text.end(), is_delimiter);
+    pieces.reserve(static_cast<std::size_t>(delimiters) + 1);
+    const char* const last = text.data() + text.size();
+    for (const char* start = text.data(); start < last;) {
+        const char* const end = std::find_if(start, last, is_delimiter);
+        if (end != start && !(end - start == 1 && *start == '.'))
+            pieces.emplace_back(start, end);
+        start = end + 1;
+    }
+    return pieces;
 }
 
 } // namespace
@@ -96,7 +115,7 @@ path& path::operator=(const std::string& text)
 void path::set(const std::string& text, SYSPATHTYPE type)
 {
     m_type = type;
-    m_components = tokenize(text, kSeparators);
+    m_components = split(text, separates);
     if (type != WINDOWS_PATH) {
         // Intended: a leading backslash separates but does not make the path absolute.
         m_absolute = !text.empty() && text[0] == '/';
@@ -317,23 +336,7 @@ bool is_separator(char c)
 
 std::vector<std::string> tokenize(const std::string& text, const std::string& delimiters)
 {
-    // Intended: the empty text is one empty piece, the only empty piece there is.
-    if (text.empty())
-        return {std::string()};
-
-    std::vector<std::string> pieces;
-    pieces.reserve(count_of(text, delimiters) + 1);
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = start;
-        while (end < text.size() && delimiters.find(text[end]) == std::string::npos)
-            ++end;
-        const std::size_t length = end - start;
-        if (length > 0 && !(length == 1 && text[start] == '.'))
-            pieces.emplace_back(text, start, length);
-        start = end + 1;
-    }
-    return pieces;
+    return split(text, [&](char c) { return delimiters.find(c) != std::string::npos; });
 }
 
 void path_to_string(const std::vector<std::string>& components, std::string& out, bool absolute,
