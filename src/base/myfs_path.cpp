@@ -3,6 +3,7 @@
 #include "myfs.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -43,13 +44,19 @@ bool names_no_file(const std::string& component)
     return is_unc_marker(component) || component.find(':') != std::string::npos;
 }
 
-std::size_t rendered_bytes(const std::vector<std::string>& components)
+std::size_t joined_bytes(const std::vector<std::string>& components)
 {
     std::size_t bytes = components.size();
     for (const std::string& component : components)
         bytes += component.size();
     return bytes;
 }
+
+struct Piece {
+    const char* start;
+    std::size_t length;
+};
+constexpr std::size_t kPiecesAtOnce = 16;
 
 template <typename IsDelimiter>
 std::vector<std::string> split(const std::string& text, IsDelimiter is_delimiter)
@@ -59,15 +66,28 @@ std::vector<std::string> split(const std::string& text, IsDelimiter is_delimiter
         return {std::string()};
 
     std::vector<std::string> pieces;
-    const auto delimiters = std::count_if(text.begin(), text.end(), is_delimiter);
-    pieces.reserve(static_cast<std::size_t>(delimiters) + 1);
+    std::array<Piece, kPiecesAtOnce> found;
+    std::size_t count = 0;
+    const auto keep_found = [&] {
+        pieces.reserve(pieces.size() + count);
+        for (std::size_t i = 0; i < count; ++i)
+            pieces.emplace_back(found[i].start, found[i].length);
+        count = 0;
+    };
+
     const char* const last = text.data() + text.size();
-    for (const char* start = text.data(); start < last;) {
-        const char* const end = std::find_if(start, last, is_delimiter);
-        if (end != start && !(end - start == 1 && *start == '.'))
-            pieces.emplace_back(start, end);
-        start = end + 1;
+    for (const char* start = text.data(); start < last; ++start) {
+        const char* const begin = start;
+        while (start < last && !is_delimiter(*start))
+            ++start;
+        const auto length = static_cast<std::size_t>(start - begin);
+        if (length == 0 || (length == 1 && *begin == '.'))
+            continue;
+        found[count++] = {begin, length};
+        if (count == found.size())
+            keep_found();
     }
+    keep_found();
     return pieces;
 }
 
@@ -345,17 +365,20 @@ void path_to_string(const std::vector<std::string>& components, std::string& out
     // Intended: without components there is no leading separator either.
     if (components.empty())
         return;
-    out.reserve(out.size() + rendered_bytes(components));
-    const char separator = type == path::WINDOWS_PATH ? '\\' : '/';
     const bool unc = is_unc_marker(components.front());
     if (type == path::POSIX_PATH && absolute && !unc)
         out.push_back('/');
-    for (std::size_t i = 0; i < components.size(); ++i) {
-        out.append(components[i]);
-        const bool last = i + 1 == components.size();
-        if (!last && !(i == 0 && unc))
-            out.push_back(separator);
+    const std::size_t start = out.size();
+    out.resize(start + joined_bytes(components));
+    const char separator = type == path::WINDOWS_PATH ? '\\' : '/';
+    char* end = &out[start];
+    for (const std::string& component : components) {
+        end = std::copy(component.begin(), component.end(), end);
+        *end++ = separator;
     }
+    out.pop_back();
+    if (unc && components.size() > 1)
+        out.erase(start + components.front().size(), 1);
 }
 
 } // namespace myfs

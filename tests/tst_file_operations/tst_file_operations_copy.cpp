@@ -51,6 +51,8 @@ private slots:
     void contents_data();
     void contents();
     void bigFileWithItsPermissions();
+    void pipeIsReadToItsEnd();
+    void fileWithoutASizeIsReadToItsEnd();
     void permissions_data();
     void permissions();
     void existingTargetIsOverwrittenAndKeepsItsPermissions();
@@ -99,6 +101,33 @@ void tst_file_operations_copy::bigFileWithItsPermissions()
     QVERIFY(copied(scratch.path("from"), scratch.path("to")).ok);
     QVERIFY(readFile(scratch.path("to")) == all);
     QCOMPARE(::permissions(scratch.path("to")), mode_t(0751));
+}
+
+// Neither has contents that the system could copy by itself.
+void tst_file_operations_copy::pipeIsReadToItsEnd()
+{
+    const Scratch scratch;
+    const std::string all = noise(3 * kBufferBytes + 17);
+    QCOMPARE(::mkfifo(scratch.path("fifo").c_str(), 0600), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        writeFile(scratch.path("fifo"), all);
+        ::_exit(0);
+    }
+    const Result result = copied(scratch.path("fifo"), scratch.path("to"), true);
+    QCOMPARE(::waitpid(child, nullptr, 0), child);
+    QVERIFY(result.ok);
+    QCOMPARE(result.error, kErrnoBefore);
+    QVERIFY(readFile(scratch.path("to")) == all);
+    QVERIFY(myfs::is_regular_file(path(scratch.path("to"))));
+}
+
+void tst_file_operations_copy::fileWithoutASizeIsReadToItsEnd()
+{
+    const Scratch scratch;
+    QVERIFY(copied("/proc/version", scratch.path("to")).ok);
+    QVERIFY(!readFile("/proc/version").empty());
+    QCOMPARE(readFile(scratch.path("to")), readFile("/proc/version"));
 }
 
 void tst_file_operations_copy::permissions_data()

@@ -115,6 +115,15 @@ void tst_path::parsing_data()
     row("Chinese", "/\xE4\xB8\xAD/\xE6\x96\x87", {"\xE4\xB8\xAD", "\xE6\x96\x87"}, true,
         "/\xE4\xB8\xAD/\xE6\x96\x87");
     row("invalid UTF-8", "/\xFF\xFE", {"\xFF\xFE"}, true, "/\xFF\xFE");
+    for (const std::size_t count : {15, 16, 17, 40}) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i)
+            text += "/d" + std::to_string(i);
+        Texts names;
+        for (std::size_t i = 0; i < count; ++i)
+            names.push_back("d" + std::to_string(i));
+        row((std::to_string(count) + " components").c_str(), text, names, true, text);
+    }
     row("zero byte", std::string("a\0b", 3), {std::string("a\0b", 3)}, false,
         std::string("a\0b", 3));
 }
