@@ -350,7 +350,7 @@ void tst_directory_listing::nothingStaysOpen()
     const Scratch scratch;
     makeDirectory(scratch.path("a"));
     makeDirectory(scratch.path("a/b"));
-    const int before = openFiles();
+    const auto before = openFiles();
     listed(scratch.path(), true);
     listed(scratch.path(), false);
     std::map<path, std::vector<path>> groups;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "Files.h"
+#include "Skip.h"
 #include "StdText.h"
 #include "myfs.h"
 
@@ -18,7 +19,7 @@ namespace
 
 constexpr unsigned int kReadOnly = 0x80000000U;
 constexpr unsigned int kReadWrite = 0;
-constexpr std::size_t kBeyondBuffersBytes = 1024 * 1024;
+constexpr std::size_t kBeyondBuffersBytes = 1U << 20U;
 
 std::string readAll(filestream& stream)
 {
@@ -201,7 +202,7 @@ void tst_filestream::ownsItsFile()
     QVERIFY(!std::is_copy_constructible<filestream>::value);
     QVERIFY(!std::is_copy_assignable<filestream>::value);
     const Scratch scratch;
-    const int before = openFiles();
+    const auto before = openFiles();
     {
         filestream stream;
         QVERIFY(stream.open(path(scratch.path("file")), kReadWrite, true));
@@ -322,7 +323,7 @@ void tst_filestream::pipesHaveNoPositions()
 void tst_filestream::fullDevice()
 {
     if (!hasFullDevice())
-        QSKIP("the system has no device /dev/full");
+        SKIP_BECAUSE("the system has no device /dev/full");
     filestream stream;
     QVERIFY(stream.open(path("/dev/full"), kReadWrite, false));
     QCOMPARE(stream.write("x", 1), std::size_t(1));
