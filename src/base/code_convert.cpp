@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "code_convert.h"
 
-#include <algorithm>
 #include <clocale>
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +12,7 @@ namespace
 {
 
 constexpr std::size_t kConversionFailed = static_cast<std::size_t>(-1);
-constexpr std::ptrdiff_t kAsciiBlockBytes = 8;
+constexpr std::ptrdiff_t kAsciiBlock = 8;
 constexpr std::uint64_t kHighBits = 0x8080808080808080U;
 
 constexpr std::int32_t kFirstOfTwoBytes = 0x80;
@@ -29,6 +28,17 @@ std::int32_t signed_code(wchar_t character)
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(character));
 }
 
+bool is_one_byte(char byte)
+{
+    return static_cast<unsigned char>(byte) < kFirstOfTwoBytes;
+}
+
+// Intended: negative values too, of which the low byte is left.
+bool is_one_byte(wchar_t character)
+{
+    return signed_code(character) < kFirstOfTwoBytes;
+}
+
 bool is_ascii_block(const char* src)
 {
     std::uint64_t block = 0;
@@ -39,21 +49,22 @@ bool is_ascii_block(const char* src)
 bool is_ascii_block(const wchar_t* src)
 {
     std::uint32_t bits = 0;
-    for (std::ptrdiff_t i = 0; i < kAsciiBlockBytes; ++i)
+    for (std::ptrdiff_t i = 0; i < kAsciiBlock; ++i)
         bits |= static_cast<std::uint32_t>(src[i]);
     return bits < static_cast<std::uint32_t>(kFirstOfTwoBytes);
 }
 
-/// Copies whole blocks of ASCII, element by element, and returns how many elements these were.
+/// Copies what is one byte in UTF-8, element by element, and returns how many elements these were.
 template <typename From, typename To>
-std::ptrdiff_t copy_ascii_blocks(const From* src, std::ptrdiff_t length, To* dst)
+std::ptrdiff_t copy_one_byte_run(const From* src, std::ptrdiff_t length, To* dst)
 {
     std::ptrdiff_t done = 0;
-    while (length - done >= kAsciiBlockBytes && is_ascii_block(src + done)) {
-        for (std::ptrdiff_t i = 0; i < kAsciiBlockBytes; ++i)
+    for (; length - done >= kAsciiBlock && is_ascii_block(src + done); done += kAsciiBlock) {
+        for (std::ptrdiff_t i = 0; i < kAsciiBlock; ++i)
             dst[done + i] = static_cast<To>(src[done + i]);
-        done += kAsciiBlockBytes;
     }
+    for (; done < length && is_one_byte(src[done]); ++done)
+        dst[done] = static_cast<To>(src[done]);
     return done;
 }
 
@@ -66,13 +77,10 @@ std::ptrdiff_t decode(const char* src, std::ptrdiff_t length, wchar_t* dst)
     for (std::ptrdiff_t remaining = length; remaining > 0;) {
         if (bytes[0] < 0x80) {
             const std::ptrdiff_t run =
-                copy_ascii_blocks(reinterpret_cast<const char*>(bytes), remaining, dst);
-            if (run == 0)
-                *dst = bytes[0];
-            const std::ptrdiff_t step = std::max<std::ptrdiff_t>(run, 1);
-            dst += step;
-            bytes += step;
-            remaining -= step;
+                copy_one_byte_run(reinterpret_cast<const char*>(bytes), remaining, dst);
+            dst += run;
+            bytes += run;
+            remaining -= run;
         } else if ((bytes[0] & 0xE0) == 0xC0 && is_continuation(bytes[1])) {
             *dst++ = ((bytes[0] & 0x1F) << 6) | (bytes[1] & 0x3F);
             bytes += 2;
@@ -98,13 +106,9 @@ std::ptrdiff_t encode(const wchar_t* src, std::ptrdiff_t length, char* dst)
     for (std::ptrdiff_t i = 0; i < length;) {
         const std::int32_t value = signed_code(src[i]);
         if (value < kFirstOfTwoBytes) {
-            // Intended: of a negative value the low byte is left.
-            const std::ptrdiff_t run = copy_ascii_blocks(src + i, length - i, dst);
-            if (run == 0)
-                *dst = static_cast<char>(value);
-            const std::ptrdiff_t step = std::max<std::ptrdiff_t>(run, 1);
-            dst += step;
-            i += step;
+            const std::ptrdiff_t run = copy_one_byte_run(src + i, length - i, dst);
+            dst += run;
+            i += run;
         } else if (value < kFirstOfThreeBytes) {
             *dst++ = static_cast<char>(0xC0 | (value >> 6));
             *dst++ = static_cast<char>(0x80 | (value & 0x3F));

@@ -3,6 +3,7 @@
 #include "myfs.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -15,8 +16,13 @@ namespace myfs
 namespace
 {
 
-constexpr const char* kSeparators = "/\\";
 constexpr const char* kUncMarker = "\\\\";
+
+// Not is_separator(), which a program may replace and the compiler therefore not inline.
+bool separates(char c)
+{
+    return c == '/' || c == '\\';
+}
 
 bool is_unc_marker(const std::string& component)
 {
@@ -30,7 +36,7 @@ bool has_drive(const std::string& text)
 
 bool has_unc_prefix(const std::string& text)
 {
-    return text.size() > 2 && is_separator(text[0]) && is_separator(text[1]);
+    return text.size() > 2 && separates(text[0]) && separates(text[1]);
 }
 
 bool names_no_file(const std::string& component)
@@ -38,7 +44,7 @@ bool names_no_file(const std::string& component)
     return is_unc_marker(component) || component.find(':') != std::string::npos;
 }
 
-std::size_t rendered_bytes(const std::vector<std::string>& components)
+std::size_t joined_bytes(const std::vector<std::string>& components)
 {
     std::size_t bytes = components.size();
     for (const std::string& component : components)
@@ -46,10 +52,43 @@ std::size_t rendered_bytes(const std::vector<std::string>& components)
     return bytes;
 }
 
-std::size_t count_of(const std::string& text, const std::string& delimiters)
+struct Piece {
+    const char* start;
+    std::size_t length;
+};
+constexpr std::size_t kPiecesAtOnce = 16;
+
+template <typename IsDelimiter>
+std::vector<std::string> split(const std::string& text, IsDelimiter is_delimiter)
 {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [&](char c) { return delimiters.find(c) != std::string::npos; }));
+    // Intended: the empty text is one empty piece, the only empty piece there is.
+    if (text.empty())
+        return {std::string()};
+
+    std::vector<std::string> pieces;
+    std::array<Piece, kPiecesAtOnce> found;
+    std::size_t count = 0;
+    const auto keep_found = [&] {
+        pieces.reserve(pieces.size() + count);
+        for (std::size_t i = 0; i < count; ++i)
+            pieces.emplace_back(found[i].start, found[i].length);
+        count = 0;
+    };
+
+    const char* const last = text.data() + text.size();
+    for (const char* start = text.data(); start < last; ++start) {
+        const char* const begin = start;
+        while (start < last && !is_delimiter(*start))
+            ++start;
+        const auto length = static_cast<std::size_t>(start - begin);
+        if (length == 0 || (length == 1 && *begin == '.'))
+            continue;
+        found[count++] = {begin, length};
+        if (count == found.size())
+            keep_found();
+    }
+    keep_found();
+    return pieces;
 }
 
 } // namespace
@@ -96,7 +135,7 @@ path& path::operator=(const std::string& text)
 void path::set(const std::string& text, SYSPATHTYPE type)
 {
     m_type = type;
-    m_components = tokenize(text, kSeparators);
+    m_components = split(text, separates);
     if (type != WINDOWS_PATH) {
         // Intended: a leading backslash separates but does not make the path absolute.
         m_absolute = !text.empty() && text[0] == '/';
@@ -317,23 +356,7 @@ bool is_separator(char c)
 
 std::vector<std::string> tokenize(const std::string& text, const std::string& delimiters)
 {
-    // Intended: the empty text is one empty piece, the only empty piece there is.
-    if (text.empty())
-        return {std::string()};
-
-    std::vector<std::string> pieces;
-    pieces.reserve(count_of(text, delimiters) + 1);
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = start;
-        while (end < text.size() && delimiters.find(text[end]) == std::string::npos)
-            ++end;
-        const std::size_t length = end - start;
-        if (length > 0 && !(length == 1 && text[start] == '.'))
-            pieces.emplace_back(text, start, length);
-        start = end + 1;
-    }
-    return pieces;
+    return split(text, [&](char c) { return delimiters.find(c) != std::string::npos; });
 }
 
 void path_to_string(const std::vector<std::string>& components, std::string& out, bool absolute,
@@ -342,17 +365,20 @@ void path_to_string(const std::vector<std::string>& components, std::string& out
     // Intended: without components there is no leading separator either.
     if (components.empty())
         return;
-    out.reserve(out.size() + rendered_bytes(components));
-    const char separator = type == path::WINDOWS_PATH ? '\\' : '/';
     const bool unc = is_unc_marker(components.front());
     if (type == path::POSIX_PATH && absolute && !unc)
         out.push_back('/');
-    for (std::size_t i = 0; i < components.size(); ++i) {
-        out.append(components[i]);
-        const bool last = i + 1 == components.size();
-        if (!last && !(i == 0 && unc))
-            out.push_back(separator);
+    const std::size_t start = out.size();
+    out.resize(start + joined_bytes(components));
+    const char separator = type == path::WINDOWS_PATH ? '\\' : '/';
+    char* end = &out[start];
+    for (const std::string& component : components) {
+        end = std::copy(component.begin(), component.end(), end);
+        *end++ = separator;
     }
+    out.pop_back();
+    if (unc && components.size() > 1)
+        out.erase(start + components.front().size(), 1);
 }
 
 } // namespace myfs

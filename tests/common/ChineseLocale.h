@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Skip.h"
+
 #include <clocale>
 #include <string>
 
@@ -32,5 +34,5 @@ inline bool hasChineseLocale()
 /// For tests that need the GBK conversions.
 #define SKIP_WITHOUT_CHINESE_LOCALE()                                                              \
     if (!hasChineseLocale())                                                                       \
-    QSKIP("the system has no zh_CN.gb18030 locale; tools/install-packages chinese-locale makes "   \
-          "it")
+    SKIP_BECAUSE("the system has no zh_CN.gb18030 locale; tools/install-packages chinese-locale "  \
+                 "makes it")

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -67,6 +68,12 @@ inline mode_t permissions(const std::string& name)
 {
     struct stat status = {};
     return ::stat(name.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
+}
+
+/// How many files this process has open; one of them is for counting.
+inline std::ptrdiff_t openFiles()
+{
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 /// Comes back to the working directory at the end of a scope, however long its name.

@@ -6,6 +6,7 @@
 #include <QRandomGenerator>
 
 #include <cstdint>
+#include <cstring>
 
 namespace
 {
@@ -51,7 +52,8 @@ std::string modelEncode(const std::wstring& wide)
 {
     std::string text;
     for (const wchar_t character : wide) {
-        const auto value = static_cast<std::uint32_t>(character);
+        std::uint32_t value = 0;
+        std::memcpy(&value, &character, sizeof value);
         const bool negative = value >= 0x80000000U;
         if (negative || value < 0x80) {
             text += static_cast<char>(value % 0x100);

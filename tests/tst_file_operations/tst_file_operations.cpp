@@ -173,7 +173,7 @@ void tst_file_operations::pathsBeyondTheLimitDoNotExist()
     QVERIFY(!myfs::is_directory(path(text), ec));
     QCOMPARE(myfs::file_size(path(text), ec, false), 0LL);
     QCOMPARE(ec.value(), ENAMETOOLONG);
-    text.resize((PATH_MAX - 1) / 3 * 3);
+    text.resize(std::size_t(PATH_MAX - 1) / 3 * 3);
     QVERIFY(myfs::is_directory(path(text)));
 }
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "Files.h"
+#include "Skip.h"
 #include "StdText.h"
 #include "myfs.h"
 
-#include <QDir>
 #include <QRandomGenerator>
 
 #include <cerrno>
@@ -16,8 +16,8 @@ using myfs::path;
 namespace
 {
 
-constexpr int kBufferBytes = 32768;
-constexpr int kMebibyte = 1024 * 1024;
+constexpr std::size_t kBufferBytes = 32768;
+constexpr std::size_t kBigFileBytes = 64U << 20U;
 constexpr int kErrnoBefore = EXDEV;
 
 std::string noise(std::size_t bytes)
@@ -27,11 +27,6 @@ std::string noise(std::size_t bytes)
     for (char& byte : contents)
         byte = static_cast<char>(random.generate());
     return contents;
-}
-
-int openFiles()
-{
-    return QDir("/proc/self/fd").entryList(QDir::NoDotAndDotDot | QDir::System).size();
 }
 
 struct Result {
@@ -57,6 +52,8 @@ private slots:
     void contents_data();
     void contents();
     void bigFileWithItsPermissions();
+    void pipeIsReadToItsEnd();
+    void fileWithoutASizeIsReadToItsEnd();
     void permissions_data();
     void permissions();
     void existingTargetIsOverwrittenAndKeepsItsPermissions();
@@ -75,17 +72,17 @@ private slots:
 
 void tst_file_operations_copy::contents_data()
 {
-    QTest::addColumn<int>("bytes");
-    for (const int bytes : {0, 1, kBufferBytes - 1, kBufferBytes, kBufferBytes + 1,
-                            2 * kBufferBytes, 3 * kBufferBytes + 17})
-        QTest::addRow("%d bytes", bytes) << bytes;
+    QTest::addColumn<quint64>("bytes");
+    for (const std::size_t bytes : {std::size_t(0), std::size_t(1), kBufferBytes - 1, kBufferBytes,
+                                    kBufferBytes + 1, 2 * kBufferBytes, 3 * kBufferBytes + 17})
+        QTest::addRow("%zu bytes", bytes) << quint64(bytes);
 }
 
 void tst_file_operations_copy::contents()
 {
-    QFETCH(int, bytes);
+    QFETCH(quint64, bytes);
     const Scratch scratch;
-    const std::string all = noise(std::size_t(bytes));
+    const std::string all = noise(bytes);
     writeFile(scratch.path("from"), all);
     const Result result = copied(scratch.path("from"), scratch.path("to"), true);
     QVERIFY(result.ok);
@@ -99,12 +96,39 @@ void tst_file_operations_copy::bigFileWithItsPermissions()
 {
     const Scratch scratch;
     const UmaskScope umask(0);
-    const std::string all = noise(64 * kMebibyte);
+    const std::string all = noise(kBigFileBytes);
     writeFile(scratch.path("from"), all);
     QCOMPARE(::chmod(scratch.path("from").c_str(), 0751), 0);
     QVERIFY(copied(scratch.path("from"), scratch.path("to")).ok);
     QVERIFY(readFile(scratch.path("to")) == all);
     QCOMPARE(::permissions(scratch.path("to")), mode_t(0751));
+}
+
+// Neither has contents that the system could copy by itself.
+void tst_file_operations_copy::pipeIsReadToItsEnd()
+{
+    const Scratch scratch;
+    const std::string all = noise(3 * kBufferBytes + 17);
+    QCOMPARE(::mkfifo(scratch.path("fifo").c_str(), 0600), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        writeFile(scratch.path("fifo"), all);
+        ::_exit(0);
+    }
+    const Result result = copied(scratch.path("fifo"), scratch.path("to"), true);
+    QCOMPARE(::waitpid(child, nullptr, 0), child);
+    QVERIFY(result.ok);
+    QCOMPARE(result.error, kErrnoBefore);
+    QVERIFY(readFile(scratch.path("to")) == all);
+    QVERIFY(myfs::is_regular_file(path(scratch.path("to"))));
+}
+
+void tst_file_operations_copy::fileWithoutASizeIsReadToItsEnd()
+{
+    const Scratch scratch;
+    QVERIFY(copied("/proc/version", scratch.path("to")).ok);
+    QVERIFY(!readFile("/proc/version").empty());
+    QCOMPARE(readFile(scratch.path("to")), readFile("/proc/version"));
 }
 
 void tst_file_operations_copy::permissions_data()
@@ -219,10 +243,10 @@ void tst_file_operations_copy::fullDeviceFails()
 {
     struct stat status = {};
     if (::stat("/dev/full", &status) != 0 || !S_ISCHR(status.st_mode))
-        QSKIP("the system has no device /dev/full");
+        SKIP_BECAUSE("the system has no device /dev/full");
     const Scratch scratch;
-    for (const int bytes : {1, 3 * kBufferBytes}) {
-        writeFile(scratch.path("from"), noise(std::size_t(bytes)));
+    for (const std::size_t bytes : {std::size_t(1), 3 * kBufferBytes}) {
+        writeFile(scratch.path("from"), noise(bytes));
         const Result result = copied(scratch.path("from"), "/dev/full");
         QVERIFY(!result.ok);
         QCOMPARE(result.error, ENOSPC);
@@ -233,7 +257,7 @@ void tst_file_operations_copy::nothingFitsOnAFullDevice()
 {
     struct stat status = {};
     if (::stat("/dev/full", &status) != 0 || !S_ISCHR(status.st_mode))
-        QSKIP("the system has no device /dev/full");
+        SKIP_BECAUSE("the system has no device /dev/full");
     const Scratch scratch;
     writeFile(scratch.path("from"), "");
     QVERIFY(copied(scratch.path("from"), "/dev/full").ok);
@@ -261,7 +285,7 @@ void tst_file_operations_copy::nothingStaysOpen()
 {
     const Scratch scratch;
     writeFile(scratch.path("file"), "text");
-    const int before = openFiles();
+    const auto before = openFiles();
     copied(scratch.path("missing"), scratch.path("to"));
     copied(scratch.path("file"), scratch.path("missing/to"));
     copied(scratch.path("file"), scratch.path("file"), true);

@@ -64,7 +64,7 @@ std::string sizeOf(const std::string& text)
 /// A copy of the probe whose own path has exactly that many bytes.
 std::string probeOfLength(const std::string& base, std::size_t bytes)
 {
-    const std::string probe = deepDirectory(base, bytes - std::strlen("/probe")) + "/probe";
+    std::string probe = deepDirectory(base, bytes - std::strlen("/probe")) + "/probe";
     if (!QFile::copy(APP_PATH_PROBE, QString::fromStdString(probe)))
         qFatal("cannot copy the probe");
     return probe;

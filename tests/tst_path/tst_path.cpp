@@ -106,7 +106,7 @@ void tst_path::parsing_data()
     row("root's parent is kept", "/..", {".."}, true, "/..");
     row("backslashes", "\\tmp\\x", {"tmp", "x"}, false, "tmp/x");
     row("backslashes only", "\\\\", {}, false, "");
-    row("UNC text is not absolute", "\\\\srv\\share", {"srv", "share"}, false, "srv/share");
+    row("UNC text is not absolute", R"(\\srv\share)", {"srv", "share"}, false, "srv/share");
     row("drive text is not absolute", "C:\\dir", {"C:", "dir"}, false, "C:/dir");
     row("three dots", "a/.../b", {"a", "...", "b"}, false, "a/.../b");
     row("hidden file", "/.profile", {".profile"}, true, "/.profile");
@@ -115,6 +115,15 @@ void tst_path::parsing_data()
     row("Chinese", "/\xE4\xB8\xAD/\xE6\x96\x87", {"\xE4\xB8\xAD", "\xE6\x96\x87"}, true,
         "/\xE4\xB8\xAD/\xE6\x96\x87");
     row("invalid UTF-8", "/\xFF\xFE", {"\xFF\xFE"}, true, "/\xFF\xFE");
+    for (const std::size_t count : {15, 16, 17, 40}) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i)
+            text += "/d" + std::to_string(i);
+        Texts names;
+        for (std::size_t i = 0; i < count; ++i)
+            names.push_back("d" + std::to_string(i));
+        row((std::to_string(count) + " components").c_str(), text, names, true, text);
+    }
     row("zero byte", std::string("a\0b", 3), {std::string("a\0b", 3)}, false,
         std::string("a\0b", 3));
 }
@@ -150,10 +159,10 @@ void tst_path::windowsParsing_data()
     row("drive alone", "C:", 1, true, "C:", "/C:");
     row("any character before the colon", "1:/x", 2, true, "1:\\x", "/1:/x");
     row("colon elsewhere", "ab:\\x", 2, false, "ab:\\x", "ab:/x");
-    row("UNC", "\\\\srv\\share", 3, true, "\\\\srv\\share", "\\\\srv/share");
-    row("UNC with slashes", "//srv/share", 3, true, "\\\\srv\\share", "\\\\srv/share");
+    row("UNC", R"(\\srv\share)", 3, true, R"(\\srv\share)", "\\\\srv/share");
+    row("UNC with slashes", "//srv/share", 3, true, R"(\\srv\share)", "\\\\srv/share");
     row("UNC of mixed separators", "/\\srv", 2, true, "\\\\srv", "\\\\srv");
-    row("UNC of separators only", "\\\\\\", 1, true, "\\\\", "\\\\");
+    row("UNC of separators only", R"(\\\)", 1, true, "\\\\", "\\\\");
     row("two separators are no UNC", "\\\\", 0, false, "", "");
     row("one leading separator", "\\dir\\x", 2, false, "dir\\x", "dir/x");
     row("leading slash", "/dir/x", 2, false, "dir\\x", "dir/x");
@@ -282,8 +291,9 @@ void tst_path::wideTextStopsWhereUtf8CannotBeDecoded()
 
 void tst_path::copyKeepsTheStyle()
 {
-    const path source = windows("C:\\dir");
+    path source = windows("C:\\dir");
     const path copy(source);
+    source.clear();
     QCOMPARE(copy.string(), std::string("C:\\dir"));
     QVERIFY(copy.is_absolute());
     const path root(path("/"));
@@ -293,7 +303,7 @@ void tst_path::copyKeepsTheStyle()
 void tst_path::moveKeepsTheStyle()
 {
     QVERIFY(std::is_nothrow_move_constructible<path>::value);
-    path source = windows("\\\\srv\\x");
+    path source = windows(R"(\\srv\x)");
     const path moved(std::move(source));
     QCOMPARE(moved.string(), std::string("\\\\srv\\x"));
     QVERIFY(moved.is_absolute());
@@ -304,7 +314,7 @@ void tst_path::assignmentParsesAgain()
     const path drive = assigned(windows("C:\\dir"));
     QCOMPARE(drive.string(), std::string("C:/dir"));
     QVERIFY(!drive.is_absolute());
-    const path share = assigned(windows("\\\\srv\\share"));
+    const path share = assigned(windows(R"(\\srv\share)"));
     QCOMPARE(share.string(), std::string("srv/share"));
     QVERIFY(!share.is_absolute());
     QVERIFY(assigned(path("/a")).is_absolute());
@@ -420,7 +430,7 @@ void tst_path::appendKeepsStyle()
     posix.append(windows("C:\\b"));
     QCOMPARE(posix.string(), std::string("/x/a/b"));
     path none;
-    none.append(windows("\\\\srv\\x"));
+    none.append(windows(R"(\\srv\x)"));
     QCOMPARE(none.string(), std::string("\\\\srv/x"));
 }
 
@@ -617,7 +627,7 @@ void tst_path::replacingTheExtension()
     QCOMPARE(p.string(), result);
     QCOMPARE(p.size(), size);
 
-    path share = windows("\\\\\\");
+    path share = windows(R"(\\\)");
     share.replace_extension(path("x"));
     QCOMPARE(share.string(), std::string("\\\\"));
     path generic("a.b");

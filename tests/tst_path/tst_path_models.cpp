@@ -21,7 +21,7 @@ struct Model {
     bool windows = false;
 };
 
-Model parse(QByteArray text, bool windows)
+Model parse(const QByteArray& text, bool windows)
 {
     Model model;
     model.windows = windows;
