@@ -55,17 +55,19 @@ public:
     QList<DiffRect> history() const { return ScribbleAreaAccess::history(*this); }
     bool modified() const { return ScribbleAreaAccess::modified(*this); }
 
-    void press(const QPoint& p, Qt::MouseButton button = Qt::LeftButton)
+    void press(const QPoint& p, Qt::MouseButton button = Qt::LeftButton,
+               Qt::MouseButtons others = Qt::NoButton)
     {
-        send(QEvent::MouseButtonPress, p, button, button);
+        send(QEvent::MouseButtonPress, p, button, others | button);
     }
     void move(const QPoint& p, Qt::MouseButtons buttons = Qt::LeftButton)
     {
         send(QEvent::MouseMove, p, Qt::NoButton, buttons);
     }
-    void release(const QPoint& p, Qt::MouseButton button = Qt::LeftButton)
+    void release(const QPoint& p, Qt::MouseButton button = Qt::LeftButton,
+                 Qt::MouseButtons others = Qt::NoButton)
     {
-        send(QEvent::MouseButtonRelease, p, button, Qt::NoButton);
+        send(QEvent::MouseButtonRelease, p, button, others);
     }
     void drag(const QPoint& from, const QPoint& to)
     {
@@ -99,4 +101,22 @@ QImage drawnOn(QImage image, Draw draw)
 inline QRect edges(int left, int top, int right, int bottom)
 {
     return {QPoint(left, top), QPoint(right, bottom)};
+}
+
+/// A filled arrow with an outline of one pixel, from the corners of its shaft and of its point.
+inline void drawArrowOf(QPainter& painter, const QColor& color, const QPolygon& shaft,
+                        const QPolygon& point)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(QBrush(color), 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(color);
+    painter.drawPolygon(shaft, Qt::WindingFill);
+    painter.drawPolygon(point, Qt::WindingFill);
+    painter.restore();
+}
+
+inline QPolygon triangle(const QPoint& a, const QPoint& b, const QPoint& c)
+{
+    return QPolygon({a, b, c});
 }

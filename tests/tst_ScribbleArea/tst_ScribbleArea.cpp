@@ -3,6 +3,8 @@
 #include "BehaviourTest.h"
 #include "Canvas.h"
 
+#include <QImageReader>
+
 /// Files, the pen and what every tool has in common.
 class tst_ScribbleArea : public BehaviourTest
 {
@@ -17,12 +19,19 @@ private slots:
     void motionlessEndOfAStrokeAddsNothing();
     void strokeGoesOnWithoutAPress();
     void otherButtonsDrawNothing();
+    void leftButtonDrawsAmongOthers();
+    void otherButtonsLeaveTheStrokeAlone();
+    void saveInTheMiddleOfAStrokeLeavesNoDot();
+    void penGoesOnWhereTheBrushEnded();
+    void toolsSetTheirCursor();
     void clearImageMakesNoEntry();
     void setImageStartsOver();
     void preconditionsAreAsserted();
     void filesThatFail();
+    void unknownFormatLeavesTheFileAsItWas();
     void saveCommitsFirst();
     void emptyPictureIsHarmless();
+    void pictureThatCannotBePaintedIsHarmless();
 };
 
 void tst_ScribbleArea::defaults()
@@ -140,6 +149,87 @@ void tst_ScribbleArea::otherButtonsDrawNothing()
     QCOMPARE(canvas.history().size(), 0);
 }
 
+void tst_ScribbleArea::leftButtonDrawsAmongOthers()
+{
+    Canvas canvas;
+    canvas.press(QPoint(20, 20));
+    canvas.move(QPoint(60, 30), Qt::LeftButton | Qt::RightButton);
+    QCOMPARE(canvas.image(), drawnOn(picture(), [](QPainter& painter) {
+                 painter.setPen(scribblePen());
+                 painter.drawLine(20, 20, 60, 30);
+             }));
+}
+
+void tst_ScribbleArea::otherButtonsLeaveTheStrokeAlone()
+{
+    Canvas canvas;
+    canvas.press(QPoint(20, 20));
+    canvas.press(QPoint(60, 60), Qt::RightButton, Qt::LeftButton);
+    canvas.move(QPoint(100, 20), Qt::LeftButton | Qt::RightButton);
+    canvas.release(QPoint(150, 90), Qt::RightButton, Qt::LeftButton);
+    QCOMPARE(canvas.history().size(), 0);
+    canvas.release(QPoint(100, 40));
+    QCOMPARE(canvas.image(), drawnOn(picture(), [](QPainter& painter) {
+                 painter.setPen(scribblePen());
+                 painter.drawLine(20, 20, 100, 20);
+                 painter.drawLine(100, 20, 100, 40);
+             }));
+    QCOMPARE(canvas.history().size(), 1);
+}
+
+void tst_ScribbleArea::saveInTheMiddleOfAStrokeLeavesNoDot()
+{
+    const QPen flat(QBrush(Qt::green), 15, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin);
+    QTemporaryDir dir;
+    Canvas canvas;
+    canvas.setScribblePen(flat);
+    canvas.press(QPoint(50, 60));
+    canvas.move(QPoint(90, 60));
+    QVERIFY(canvas.saveImage(dir.filePath("a.png"), "PNG"));
+    canvas.release(QPoint(90, 60));
+    QCOMPARE(canvas.image(), drawnOn(picture(), [&](QPainter& painter) {
+                 painter.setPen(flat);
+                 painter.drawLine(50, 60, 90, 60);
+             }));
+}
+
+// The pen's stroke never ends, and the brush leaves its last point to it.
+void tst_ScribbleArea::penGoesOnWhereTheBrushEnded()
+{
+    Canvas canvas;
+    canvas.drag(QPoint(20, 20), QPoint(40, 20));
+    canvas.setPaintTypeToMosaic();
+    canvas.press(QPoint(60, 60));
+    canvas.move(QPoint(80, 70));
+    canvas.release(QPoint(100, 120));
+    canvas.setPaintTypeToScribble();
+    const QImage brushed = canvas.image();
+    canvas.move(QPoint(180, 30));
+    QCOMPARE(canvas.image(), drawnOn(brushed, [](QPainter& painter) {
+                 painter.setPen(scribblePen());
+                 painter.drawLine(100, 120, 180, 30);
+             }));
+}
+
+void tst_ScribbleArea::toolsSetTheirCursor()
+{
+    Canvas canvas;
+    const auto brushed = [&] {
+        canvas.setPaintTypeToMosaic();
+        return canvas.cursor().shape() == Qt::BitmapCursor;
+    };
+    QVERIFY(brushed());
+    QCOMPARE(canvas.cursor().pixmap().size(), QSize(16, 16));
+    canvas.setPaintTypeToText();
+    QCOMPARE(canvas.cursor().shape(), Qt::CrossCursor);
+    QVERIFY(brushed());
+    canvas.setPaintTypeToGraph();
+    QCOMPARE(canvas.cursor().shape(), Qt::CrossCursor);
+    QVERIFY(brushed());
+    canvas.setPaintTypeToScribble();
+    QCOMPARE(canvas.cursor().shape(), Qt::CrossCursor);
+}
+
 void tst_ScribbleArea::clearImageMakesNoEntry()
 {
     Canvas canvas;
@@ -206,6 +296,24 @@ void tst_ScribbleArea::filesThatFail()
     QVERIFY(!canvas.canUndo());
 }
 
+void tst_ScribbleArea::unknownFormatLeavesTheFileAsItWas()
+{
+    QTemporaryDir dir;
+    QFile file(dir.filePath("kept.xyz"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("what was there");
+    file.close();
+    Canvas canvas;
+    QVERIFY(!canvas.saveImage(file.fileName(), "XYZ"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("what was there"));
+    QVERIFY(!canvas.saveImage(dir.filePath("new.xyz"), "XYZ"));
+    QVERIFY(!QFile::exists(dir.filePath("new.xyz")));
+    // Without a format the file's name tells it.
+    QVERIFY(canvas.saveImage(dir.filePath("a.bmp"), nullptr));
+    QCOMPARE(QImageReader::imageFormat(dir.filePath("a.bmp")), QByteArray("bmp"));
+}
+
 void tst_ScribbleArea::saveCommitsFirst()
 {
     QTemporaryDir dir;
@@ -233,6 +341,32 @@ void tst_ScribbleArea::emptyPictureIsHarmless()
     while (canvas.canRedo())
         canvas.redo();
     QVERIFY(canvas.image().isNull());
+}
+
+// Qt warns of every painter that it cannot open on such a picture; here that is expected.
+void tst_ScribbleArea::pictureThatCannotBePaintedIsHarmless()
+{
+    const QImage indexed = picture().convertToFormat(QImage::Format_Indexed8);
+    const auto previous = qInstallMessageHandler(
+        [](QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& /*text*/) {});
+    Canvas canvas(indexed);
+    canvas.show();
+    canvas.drag(QPoint(20, 30), QPoint(120, 100));
+    canvas.setPaintTypeToMosaic();
+    canvas.drag(QPoint(20, 30), QPoint(120, 100));
+    canvas.setPaintTypeToGraph();
+    canvas.drag(QPoint(20, 30), QPoint(120, 100));
+    canvas.setPaintTypeToText();
+    canvas.drag(QPoint(20, 30), QPoint(120, 100));
+    canvas.textBox()->setPlainText("text");
+    canvas.completeScribble();
+    const int entries = canvas.history().size();
+    while (canvas.canUndo())
+        canvas.undo();
+    const QImage undone = canvas.image();
+    qInstallMessageHandler(previous);
+    QCOMPARE(entries, 4);
+    QCOMPARE(undone, indexed);
 }
 
 QTEST_MAIN(tst_ScribbleArea)
