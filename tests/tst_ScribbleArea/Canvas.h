@@ -21,6 +21,10 @@ struct ScribbleAreaAccess {
     static bool scribbling(const ScribbleArea& area) { return area.m_scribbling; }
     static bool rebuildPending(const ScribbleArea& area) { return area.m_mosaicTimer.isActive(); }
     static int rebuildDelay(const ScribbleArea& area) { return area.m_mosaicTimer.interval(); }
+    static int rebuildRemaining(const ScribbleArea& area)
+    {
+        return area.m_mosaicTimer.remainingTime();
+    }
     static void restore(ScribbleArea& area) { area.restoreDiffRect(); }
     static void drawText(ScribbleArea& area) { area.drawText(); }
     static void initTextEdit(ScribbleArea& area) { area.initTextEdit(); }

@@ -2,6 +2,84 @@
 #include "BehaviourTest.h"
 #include "Canvas.h"
 
+namespace
+{
+
+/// `image` in blocks of `side` pixels, summed up pixel by pixel.
+QImage inBlocks(const QImage& image, int side)
+{
+    QImage blocks(image.size(), QImage::Format_ARGB32);
+    QPainter painter(&blocks);
+    for (int y = 0; y < image.height(); y += side) {
+        for (int x = 0; x < image.width(); x += side) {
+            const QRect cell = QRect(x, y, side, side) & image.rect();
+            int red = 0;
+            int green = 0;
+            int blue = 0;
+            for (int row = cell.top(); row <= cell.bottom(); ++row) {
+                const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(row));
+                for (int column = cell.left(); column <= cell.right(); ++column) {
+                    red += qRed(line[column]);
+                    green += qGreen(line[column]);
+                    blue += qBlue(line[column]);
+                }
+            }
+            const int count = cell.width() * cell.height();
+            painter.fillRect(cell, QColor(red / count, green / count, blue / count));
+        }
+    }
+    return blocks;
+}
+
+/// A brush that goes over a picture as the canvas' brush is to.
+struct Brush {
+    Brush(const QImage& image, int blockSide, int penWidth)
+        : picture(image)
+        , blocks(inBlocks(image, blockSide))
+        , track(image.size(), QImage::Format_RGB32)
+        , width(penWidth)
+        , widget(image.size())
+    {
+        track.fill(Qt::black);
+    }
+
+    void segment(const QPoint& from, const QPoint& to)
+    {
+        QPainter painter(&track);
+        painter.setPen(QPen(QBrush(Qt::white), width, Qt::SolidLine, Qt::RoundCap));
+        if (from == to)
+            painter.drawPoint(from);
+        else
+            painter.drawLine(from, to);
+        painter.end();
+
+        const int margin = width / 2 + 2;
+        const int left = qMin(from.x(), to.x()) - margin;
+        const int top = qMin(from.y(), to.y()) - margin;
+        const int right = qMax(from.x(), to.x()) + margin;
+        const int bottom = qMax(from.y(), to.y()) + margin;
+        // Without the last column and row.
+        const QRect scanned(
+            QPoint(qMax(left, 0), qMax(top, 0)),
+            QPoint(qMin(right, widget.width()) - 1, qMin(bottom, widget.height()) - 1));
+        const QRect inside = scanned & picture.rect();
+        for (int y = inside.top(); y <= inside.bottom(); ++y) {
+            for (int x = inside.left(); x <= inside.right(); ++x) {
+                if (track.pixel(x, y) == qRgb(255, 255, 255))
+                    picture.setPixel(x, y, blocks.pixel(x, y));
+            }
+        }
+    }
+
+    QImage picture;
+    QImage blocks;
+    QImage track;
+    int width;
+    QSize widget;
+};
+
+} // namespace
+
 /// The mosaic brush.
 class tst_ScribbleArea_mosaic : public BehaviourTest
 {
@@ -15,6 +93,12 @@ private slots:
     void mosaicRebuildsOnceAfterTheLastChange();
     void mosaicWiderThanTheCanvas();
     void mosaicCursorIsTheBrush();
+    void brushWithoutWidthKeepsTheCursor();
+    void mosaicFollowsTheMouseUntilTheRelease();
+    void everyChangeStartsTheWaitAgain();
+    void newBlocksGoOnlyWhereTheNextStrokeIs();
+    void mosaicIsClampedToTheCanvas_data();
+    void mosaicIsClampedToTheCanvas();
 };
 
 void tst_ScribbleArea_mosaic::mosaicPixelatesARoundSpot()
@@ -120,10 +204,6 @@ void tst_ScribbleArea_mosaic::mosaicWiderThanTheCanvas()
     canvas.drag(QPoint(-3000, -3000), QPoint(-2500, -2900));
     QCOMPARE(canvas.image().convertToFormat(QImage::Format_ARGB32),
              ScribbleAreaAccess::pixelated(canvas));
-    canvas.resize(50, 40);
-    canvas.drag(QPoint(0, 0), QPoint(100, 100));
-    canvas.resize(500, 400);
-    canvas.drag(QPoint(0, 0), QPoint(450, 350));
 }
 
 void tst_ScribbleArea_mosaic::mosaicCursorIsTheBrush()
@@ -138,6 +218,108 @@ void tst_ScribbleArea_mosaic::mosaicCursorIsTheBrush()
     expected.fill(Qt::transparent);
     expected = drawnOn(expected, [](QPainter& painter) { painter.drawEllipse(1, 1, 22, 22); });
     QCOMPARE(cursor.pixmap().toImage().convertToFormat(QImage::Format_ARGB32), expected);
+}
+
+void tst_ScribbleArea_mosaic::brushWithoutWidthKeepsTheCursor()
+{
+    Canvas canvas;
+    canvas.setMosaicPen(scribblePen(Qt::red, 24));
+    canvas.setMosaicPen(scribblePen(Qt::red, 0));
+    QCOMPARE(canvas.mosaicPen().width(), 0);
+    QCOMPARE(canvas.cursor().shape(), Qt::BitmapCursor);
+    QCOMPARE(canvas.cursor().pixmap().size(), QSize(24, 24));
+}
+
+void tst_ScribbleArea_mosaic::mosaicFollowsTheMouseUntilTheRelease()
+{
+    Canvas canvas;
+    canvas.setMosaicBlur(6);
+    canvas.setPaintTypeToMosaic();
+    Brush brush(picture(), 6, 16);
+    canvas.press(QPoint(30, 30));
+    QCOMPARE(canvas.image(), picture());
+    canvas.move(QPoint(100, 40));
+    brush.segment(QPoint(30, 30), QPoint(100, 40));
+    QCOMPARE(canvas.image(), brush.picture);
+    canvas.move(QPoint(60, 120));
+    brush.segment(QPoint(100, 40), QPoint(60, 120));
+    QCOMPARE(canvas.image(), brush.picture);
+    canvas.release(QPoint(150, 100));
+    brush.segment(QPoint(60, 120), QPoint(150, 100));
+    QCOMPARE(canvas.image(), brush.picture);
+    // The stroke has ended.
+    canvas.move(QPoint(180, 30));
+    canvas.release(QPoint(180, 30));
+    QCOMPARE(canvas.image(), brush.picture);
+    QCOMPARE(canvas.history().size(), 1);
+    const DiffRect entry = canvas.history().at(0);
+    QCOMPARE(QRect(entry.position, entry.image.size()), edges(20, 20, 160, 130));
+}
+
+void tst_ScribbleArea_mosaic::everyChangeStartsTheWaitAgain()
+{
+    Canvas canvas;
+    canvas.setMosaicBlur(4);
+    constexpr int kHalfWay = 150;
+    QTRY_VERIFY(ScribbleAreaAccess::rebuildRemaining(canvas) < kHalfWay);
+    canvas.setMosaicBlur(5);
+    QVERIFY(ScribbleAreaAccess::rebuildRemaining(canvas) > kHalfWay);
+}
+
+void tst_ScribbleArea_mosaic::newBlocksGoOnlyWhereTheNextStrokeIs()
+{
+    Canvas canvas;
+    canvas.setMosaicBlur(6);
+    canvas.setPaintTypeToMosaic();
+    Brush brush(picture(), 6, 16);
+    const auto stroke = [&](const QPoint& from, const QPoint& to) {
+        canvas.press(from);
+        canvas.release(to);
+        brush.segment(from, to);
+    };
+    stroke(QPoint(20, 30), QPoint(180, 30));
+    stroke(QPoint(20, 120), QPoint(180, 120));
+    QCOMPARE(canvas.image(), brush.picture);
+
+    canvas.setMosaicBlur(9);
+    QTRY_VERIFY(!ScribbleAreaAccess::rebuildPending(canvas));
+    // Of the picture with its strokes, while the strokes stay.
+    QCOMPARE(canvas.image(), brush.picture);
+    brush.blocks = inBlocks(brush.picture, 9);
+    QCOMPARE(ScribbleAreaAccess::pixelated(canvas), brush.blocks);
+
+    // Its area reaches into the first stroke, and not to the second.
+    const QImage before = canvas.image();
+    stroke(QPoint(60, 44), QPoint(100, 44));
+    QCOMPARE(canvas.image(), brush.picture);
+    QVERIFY(canvas.image().copy(60, 34, 40, 4) != before.copy(60, 34, 40, 4));
+}
+
+void tst_ScribbleArea_mosaic::mosaicIsClampedToTheCanvas_data()
+{
+    QTest::addColumn<QSize>("widget");
+    QTest::newRow("smaller than the picture") << QSize(50, 40);
+    QTest::newRow("as large as the picture") << kSize;
+    QTest::newRow("larger than the picture") << QSize(500, 400);
+}
+
+void tst_ScribbleArea_mosaic::mosaicIsClampedToTheCanvas()
+{
+    QFETCH(QSize, widget);
+    Canvas canvas;
+    canvas.setMosaicBlur(6);
+    canvas.setMosaicPen(scribblePen(Qt::red, 60));
+    canvas.setPaintTypeToMosaic();
+    canvas.resize(widget);
+    Brush brush(picture(), 6, 60);
+    brush.widget = widget;
+    canvas.press(QPoint(0, 0));
+    canvas.release(QPoint(450, 350));
+    brush.segment(QPoint(0, 0), QPoint(450, 350));
+    QVERIFY(brush.picture != picture());
+    QCOMPARE(canvas.image(), brush.picture);
+    canvas.undo();
+    QCOMPARE(canvas.image(), picture());
 }
 
 QTEST_MAIN(tst_ScribbleArea_mosaic)

@@ -23,6 +23,13 @@ private slots:
     void savingTwiceInShapeModeMakesTwoEntries();
     void penSettersReachTheFrameOrNot();
     void toolsTellTheFrameTheirWidth();
+    void shapePensReachTheFrameOnlyInShapeMode();
+    void pressStartsAnArrowWhateverTheTool();
+    void everyArrowStartsAfresh();
+    void otherButtonsDoNotEndTheDrag();
+    void unknownShapeDrawsNothing_data();
+    void unknownShapeDrawsNothing();
+    void shapesLeaveTheTextBoxAlone();
 };
 
 void tst_ScribbleArea_shapes::dragThreshold_data()
@@ -92,50 +99,82 @@ void tst_ScribbleArea_shapes::arrowIsCommitted()
     canvas.move(QPoint(40, 110));
     canvas.release(QPoint(40, 110));
     canvas.completeScribble();
-    ArrowAttribute attribute;
-    attribute.setWidth(6);
-    const QRect frame = QRect(QPoint(150, 30), QPoint(40, 110)).normalized();
     QCOMPARE(canvas.image(), drawnOn(picture(), [&](QPainter& painter) {
-                 painter.setPen(canvas.arrowPen());
-                 ScribbleArea::drawArrow(painter, QRect(frame.topRight(), frame.bottomLeft()),
-                                         attribute);
+                 drawArrowOf(painter, kRed, triangle({150, 30}, {46, 98}, {53, 108}),
+                             triangle({40, 110}, {43, 93}, {57, 113}));
              }));
 }
 
 void tst_ScribbleArea_shapes::arrowDrawing_data()
 {
+    QTest::addColumn<int>("width");
     QTest::addColumn<QPoint>("tail");
     QTest::addColumn<QPoint>("head");
     QTest::addColumn<QPolygon>("shaft");
     QTest::addColumn<QPolygon>("point");
-    const auto triangle = [](QPoint a, QPoint b, QPoint c) { return QPolygon({a, b, c}); };
-    QTest::newRow("to the right") << QPoint(20, 70) << QPoint(120, 70)
+    QTest::newRow("to the right") << 6 << QPoint(20, 70) << QPoint(120, 70)
                                   << triangle({20, 70}, {108, 76}, {108, 64})
                                   << triangle({120, 70}, {108, 82}, {108, 58});
-    QTest::newRow("upwards") << QPoint(70, 120) << QPoint(70, 20)
+    QTest::newRow("upwards") << 6 << QPoint(70, 120) << QPoint(70, 20)
                              << triangle({70, 120}, {76, 32}, {64, 32})
                              << triangle({70, 20}, {82, 32}, {58, 32});
     QTest::newRow("shorter than its head points backwards")
-        << QPoint(70, 70) << QPoint(78, 70) << triangle({70, 70}, {66, 76}, {66, 64})
+        << 6 << QPoint(70, 70) << QPoint(78, 70) << triangle({70, 70}, {66, 76}, {66, 64})
         << triangle({54, 70}, {66, 82}, {66, 58});
     QTest::newRow("as long as its head")
-        << QPoint(70, 70) << QPoint(82, 70) << triangle({70, 70}, {70, 76}, {70, 64})
+        << 6 << QPoint(70, 70) << QPoint(82, 70) << triangle({70, 70}, {70, 76}, {70, 64})
         << triangle({70, 70}, {70, 82}, {70, 58});
-    QTest::newRow("no length") << QPoint(70, 70) << QPoint(70, 70)
+    QTest::newRow("no length") << 6 << QPoint(70, 70) << QPoint(70, 70)
                                << triangle({70, 70}, {70, 70}, {70, 70})
                                << triangle({70, 70}, {70, 70}, {70, 70});
+
+    // 60 by 80 is 100 long: the base is at 52.8, 70.4; its corners at 48, 74 and 57.6, 66.8, and
+    // at 43.2, 77.6 and 62.4, 63.2.
+    QTest::newRow("right and down")
+        << 6 << QPoint(40, 30) << QPoint(100, 110) << triangle({40, 30}, {88, 104}, {98, 97})
+        << triangle({100, 110}, {83, 108}, {102, 93});
+    QTest::newRow("left and up") << 6 << QPoint(100, 110) << QPoint(40, 30)
+                                 << triangle({100, 110}, {52, 36}, {42, 43})
+                                 << triangle({40, 30}, {57, 32}, {38, 47});
+    QTest::newRow("left and down")
+        << 6 << QPoint(100, 30) << QPoint(40, 110) << triangle({100, 30}, {42, 97}, {52, 104})
+        << triangle({40, 110}, {38, 93}, {57, 108});
+    QTest::newRow("right and up") << 6 << QPoint(40, 110) << QPoint(100, 30)
+                                  << triangle({40, 110}, {98, 43}, {88, 36})
+                                  << triangle({100, 30}, {102, 47}, {83, 32});
+    // The base is at -3.22, 2.68 and the point at -12.44, 10.36, behind the tail.
+    QTest::newRow("short and slanting points backwards")
+        << 6 << QPoint(70, 70) << QPoint(76, 65) << triangle({70, 70}, {71, 77}, {63, 68})
+        << triangle({58, 80}, {74, 82}, {59, 63});
+
+    // Far from the origin a single-precision sum loses what parts an offset from its half.
+    QTest::newRow("an offset of 18.49998 is rounded by itself")
+        << 6 << QPoint(1500, 1100) << QPoint(1512, 1129)
+        << triangle({1500, 1100}, {1502, 1120}, {1513, 1116})
+        << triangle({1512, 1129}, {1496, 1123}, {1518, 1113});
+    QTest::newRow("an offset of -22.50002 is rounded by itself")
+        << 6 << QPoint(1500, 1100) << QPoint(1471, 1088)
+        << triangle({1500, 1100}, {1484, 1087}, {1480, 1098})
+        << triangle({1471, 1088}, {1487, 1082}, {1477, 1104});
+    QTest::newRow("a point at 3023.49997 is rounded as a whole")
+        << 15 << QPoint(3000, 2000) << QPoint(2980, 1981)
+        << triangle({3000, 2000}, {3012, 1991}, {2991, 2013})
+        << triangle({3024, 2022}, {3022, 1980}, {2981, 2023});
 }
 
 void tst_ScribbleArea_shapes::arrowDrawing()
 {
+    QFETCH(int, width);
     QFETCH(QPoint, tail);
     QFETCH(QPoint, head);
     QFETCH(QPolygon, shaft);
     QFETCH(QPolygon, point);
     ArrowAttribute attribute;
-    attribute.setWidth(6);
+    attribute.setWidth(width);
     const QPen pen(QBrush(kRed), 6.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    const QPoint view = tail.x() < kSize.width() ? QPoint() : tail - QPoint(100, 75);
     const QImage actual = drawnOn(picture(), [&](QPainter& painter) {
+        painter.translate(-view);
         painter.setPen(pen);
         ScribbleArea::drawArrow(painter, QRect(tail, head), attribute);
         QCOMPARE(painter.pen(), pen);
@@ -143,11 +182,8 @@ void tst_ScribbleArea_shapes::arrowDrawing()
         QVERIFY(!painter.testRenderHint(QPainter::Antialiasing));
     });
     QCOMPARE(actual, drawnOn(picture(), [&](QPainter& painter) {
-                 painter.setRenderHint(QPainter::Antialiasing);
-                 painter.setPen(QPen(QBrush(kRed), 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-                 painter.setBrush(kRed);
-                 painter.drawPolygon(shaft, Qt::WindingFill);
-                 painter.drawPolygon(point, Qt::WindingFill);
+                 painter.translate(-view);
+                 drawArrowOf(painter, kRed, shaft, point);
              }));
 }
 
@@ -291,6 +327,118 @@ void tst_ScribbleArea_shapes::toolsTellTheFrameTheirWidth()
     QCOMPARE(grown(), 4);
     canvas.setGraphState(ScribbleArea::GRAPH_RECT);
     QCOMPARE(grown(), 4);
+}
+
+void tst_ScribbleArea_shapes::shapePensReachTheFrameOnlyInShapeMode()
+{
+    const QPen wide = scribblePen(Qt::red, 40);
+    for (int state : {ScribbleArea::GRAPH_RECT, ScribbleArea::GRAPH_ELLIPSE}) {
+        Canvas canvas;
+        canvas.setGraphState(state);
+        canvas.setPaintTypeToText();
+        canvas.frame()->setRect(QRect(50, 50, 20, 20));
+        canvas.setRectPen(wide);
+        canvas.setEllipsePen(wide);
+        QCOMPARE(canvas.frame()->occupiedRect().left(), 50 - 4);
+        canvas.setPaintTypeToGraph();
+        QCOMPARE(canvas.frame()->occupiedRect().left(), 50 - 20);
+    }
+}
+
+void tst_ScribbleArea_shapes::pressStartsAnArrowWhateverTheTool()
+{
+    Canvas canvas;
+    const QRect frame(50, 50, 20, 20);
+    canvas.frame()->setRect(frame);
+    canvas.press(QPoint(60, 60));
+    QCOMPARE(canvas.frame()->arrowHead(), frame.topLeft());
+    QCOMPARE(canvas.frame()->arrowTail(), frame.topLeft());
+    canvas.release(QPoint(60, 60));
+    canvas.setGraphState(ScribbleArea::GRAPH_ARROW);
+    canvas.press(QPoint(60, 60));
+    QCOMPARE(canvas.frame()->arrowHead(), frame.topRight());
+    QCOMPARE(canvas.frame()->arrowTail(), frame.bottomLeft());
+}
+
+// In the first column a press flips nothing sideways, so that the corners left by the arrow before
+// would show.
+void tst_ScribbleArea_shapes::everyArrowStartsAfresh()
+{
+    Canvas canvas;
+    canvas.setPaintTypeToGraph();
+    canvas.setGraphState(ScribbleArea::GRAPH_ARROW);
+    canvas.press(QPoint(150, 30));
+    canvas.move(QPoint(120, 50));
+    canvas.move(QPoint(40, 110));
+    canvas.release(QPoint(40, 110));
+    QCOMPARE(canvas.frame()->arrowHead(), QPoint(40, 110));
+    QCOMPARE(canvas.frame()->arrowTail(), QPoint(150, 30));
+    canvas.completeScribble();
+    canvas.drag(QPoint(0, 100), QPoint(60, 40));
+    QCOMPARE(canvas.frame()->arrowHead(), QPoint(60, 100));
+    QCOMPARE(canvas.frame()->arrowTail(), QPoint(0, 40));
+}
+
+void tst_ScribbleArea_shapes::otherButtonsDoNotEndTheDrag()
+{
+    Canvas canvas;
+    canvas.setPaintTypeToGraph();
+    canvas.press(QPoint(30, 40));
+    canvas.move(QPoint(80, 80));
+    canvas.release(QPoint(80, 80), Qt::RightButton, Qt::LeftButton);
+    QVERIFY(!canvas.frame()->isVisible());
+    canvas.move(QPoint(120, 100));
+    QCOMPARE(canvas.frame()->rect(), edges(30, 40, 120, 100));
+    canvas.release(QPoint(120, 100));
+    QVERIFY(canvas.frame()->isVisible());
+}
+
+void tst_ScribbleArea_shapes::unknownShapeDrawsNothing_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::newRow("below") << -1;
+    QTest::newRow("next") << 3;
+    QTest::newRow("far") << 7;
+}
+
+void tst_ScribbleArea_shapes::unknownShapeDrawsNothing()
+{
+    QFETCH(int, state);
+    Canvas canvas;
+    canvas.setPaintTypeToGraph();
+    canvas.setGraphState(state);
+    canvas.drag(QPoint(30, 40), QPoint(120, 100));
+    canvas.completeScribble();
+    QCOMPARE(canvas.image(), picture());
+    QVERIFY(canvas.modified());
+    const DiffRect entry = canvas.history().at(0);
+    // A pen that is not set is 1 pixel wide.
+    QCOMPARE(QRect(entry.position, entry.image.size()), edges(30, 40, 121, 101));
+}
+
+void tst_ScribbleArea_shapes::shapesLeaveTheTextBoxAlone()
+{
+    Canvas canvas;
+    canvas.show();
+    canvas.setPaintTypeToText();
+    canvas.drag(QPoint(20, 30), QPoint(120, 100));
+    canvas.textBox()->setPlainText("left over");
+    canvas.setPaintTypeToGraph();
+    const QImage written = canvas.image();
+    canvas.setGraphState(ScribbleArea::GRAPH_RECT);
+    canvas.drag(QPoint(30, 40), QPoint(150, 120));
+    canvas.textBox()->show();
+    canvas.setPaintTypeToScribble();
+    const QImage drawn = drawnOn(written, [&](QPainter& painter) {
+        painter.setPen(canvas.rectPen());
+        painter.drawRect(edges(30, 40, 150, 120));
+    });
+    QCOMPARE(canvas.image(), drawn);
+    QVERIFY(canvas.textBox()->isVisible());
+    canvas.completeScribble();
+    QCOMPARE(canvas.image(), drawn);
+    QVERIFY(canvas.textBox()->isVisible());
+    QCOMPARE(canvas.history().size(), 2);
 }
 
 QTEST_MAIN(tst_ScribbleArea_shapes)
