@@ -1,6 +1,35 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "Canvas.h"
+#include "TextDrawing.h"
+
+namespace
+{
+
+const QRect kBox = edges(24, 34, 146, 116);
+
+void startText(Canvas& canvas)
+{
+    canvas.setPaintTypeToText();
+    canvas.drag(kBox.topLeft() - QPoint(4, 4), kBox.bottomRight() + QPoint(4, 4));
+}
+
+QFont fontOf(int pointSize)
+{
+    QFont font = QApplication::font("QTextEdit");
+    font.setPointSize(pointSize);
+    return font;
+}
+
+/// Shows the canvas so that its text box gets the focus.
+bool isActive(Canvas& canvas)
+{
+    canvas.show();
+    canvas.activateWindow();
+    return QTest::qWaitForWindowActive(&canvas);
+}
+
+} // namespace
 
 /// Text boxes.
 class tst_ScribbleArea_text : public BehaviourTest
@@ -16,6 +45,11 @@ private slots:
     void fontSizeAndColourMakeTheBox();
     void secondCommitInTextModeHoldsNoPixels();
     void hugeTextIsHarmless();
+    void committedTextIsDrawnWithoutCursor();
+    void textIsCutAtTheBox();
+    void fontSizeAppliesToWhatIsTypedAlready();
+    void colourAppliesToWhatIsTypedNext();
+    void colourAndSizeSurviveIntoTheNextText();
 };
 
 void tst_ScribbleArea_text::textBoxSettings()
@@ -162,6 +196,82 @@ void tst_ScribbleArea_text::hugeTextIsHarmless()
     QVERIFY(canvas.image() != picture());
     canvas.undo();
     QCOMPARE(canvas.image(), picture());
+}
+
+void tst_ScribbleArea_text::committedTextIsDrawnWithoutCursor()
+{
+    Canvas canvas;
+    QVERIFY(isActive(canvas));
+    canvas.setTextFontSize(20);
+    canvas.setTextColor(Qt::red);
+    startText(canvas);
+    QTest::keyClicks(canvas.textBox(), "Hill");
+    QTest::keyClick(canvas.textBox(), Qt::Key_Return);
+    QTest::keyClicks(canvas.textBox(), "HE");
+    QVERIFY(canvas.textBox()->hasFocus());
+    canvas.completeScribble();
+    // The noise beside the glyphs is that of the picture.
+    const QImage expected = withText(picture(), kBox, fontOf(20), {{"Hill\nHE", Qt::red}});
+    QVERIFY(expected != picture());
+    QCOMPARE(canvas.image(), expected);
+}
+
+void tst_ScribbleArea_text::textIsCutAtTheBox()
+{
+    Canvas canvas;
+    QVERIFY(isActive(canvas));
+    canvas.setTextFontSize(30);
+    canvas.setTextColor(Qt::red);
+    startText(canvas);
+    canvas.textBox()->setPlainText("HHHHHHHHHHHH\nHHH\nHHH");
+    canvas.completeScribble();
+    QCOMPARE(canvas.image(),
+             withText(picture(), kBox, fontOf(30), {{"HHHHHHHHHHHH\nHHH\nHHH", Qt::red}}));
+}
+
+void tst_ScribbleArea_text::fontSizeAppliesToWhatIsTypedAlready()
+{
+    Canvas canvas;
+    QVERIFY(isActive(canvas));
+    canvas.setTextColor(Qt::red);
+    canvas.setTextFontSize(10);
+    startText(canvas);
+    QTest::keyClicks(canvas.textBox(), "Ab");
+    canvas.setTextFontSize(24);
+    QTest::keyClicks(canvas.textBox(), "cd");
+    canvas.completeScribble();
+    QCOMPARE(canvas.image(), withText(picture(), kBox, fontOf(24), {{"Abcd", Qt::red}}));
+}
+
+void tst_ScribbleArea_text::colourAppliesToWhatIsTypedNext()
+{
+    Canvas canvas;
+    QVERIFY(isActive(canvas));
+    canvas.setTextFontSize(20);
+    startText(canvas);
+    canvas.setTextColor(Qt::red);
+    QTest::keyClicks(canvas.textBox(), "Ab");
+    canvas.setTextColor(Qt::green);
+    QTest::keyClicks(canvas.textBox(), "cd");
+    canvas.completeScribble();
+    QCOMPARE(canvas.image(),
+             withText(picture(), kBox, fontOf(20), {{"Ab", Qt::red}, {"cd", Qt::green}}));
+}
+
+void tst_ScribbleArea_text::colourAndSizeSurviveIntoTheNextText()
+{
+    Canvas canvas;
+    QVERIFY(isActive(canvas));
+    canvas.setTextFontSize(20);
+    canvas.setTextColor(Qt::red);
+    startText(canvas);
+    QTest::keyClicks(canvas.textBox(), "one");
+    canvas.completeScribble();
+    canvas.undo();
+    startText(canvas);
+    QTest::keyClicks(canvas.textBox(), "two");
+    canvas.completeScribble();
+    QCOMPARE(canvas.image(), withText(picture(), kBox, fontOf(20), {{"two", Qt::red}}));
 }
 
 QTEST_MAIN(tst_ScribbleArea_text)
