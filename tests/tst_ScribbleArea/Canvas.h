@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Drawings.h"
 #include "ResizableRect.h"
 #include "ScribbleArea.h"
 
@@ -105,22 +106,4 @@ QImage drawnOn(QImage image, Draw draw)
 inline QRect edges(int left, int top, int right, int bottom)
 {
     return {QPoint(left, top), QPoint(right, bottom)};
-}
-
-/// A filled arrow with an outline of one pixel, from the corners of its shaft and of its point.
-inline void drawArrowOf(QPainter& painter, const QColor& color, const QPolygon& shaft,
-                        const QPolygon& point)
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(QBrush(color), 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setBrush(color);
-    painter.drawPolygon(shaft, Qt::WindingFill);
-    painter.drawPolygon(point, Qt::WindingFill);
-    painter.restore();
-}
-
-inline QPolygon triangle(const QPoint& a, const QPoint& b, const QPoint& c)
-{
-    return QPolygon({a, b, c});
 }

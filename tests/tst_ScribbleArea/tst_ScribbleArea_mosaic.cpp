@@ -5,32 +5,6 @@
 namespace
 {
 
-/// `image` in blocks of `side` pixels, summed up pixel by pixel.
-QImage inBlocks(const QImage& image, int side)
-{
-    QImage blocks(image.size(), QImage::Format_ARGB32);
-    QPainter painter(&blocks);
-    for (int y = 0; y < image.height(); y += side) {
-        for (int x = 0; x < image.width(); x += side) {
-            const QRect cell = QRect(x, y, side, side) & image.rect();
-            int red = 0;
-            int green = 0;
-            int blue = 0;
-            for (int row = cell.top(); row <= cell.bottom(); ++row) {
-                const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(row));
-                for (int column = cell.left(); column <= cell.right(); ++column) {
-                    red += qRed(line[column]);
-                    green += qGreen(line[column]);
-                    blue += qBlue(line[column]);
-                }
-            }
-            const int count = cell.width() * cell.height();
-            painter.fillRect(cell, QColor(red / count, green / count, blue / count));
-        }
-    }
-    return blocks;
-}
-
 /// A brush that goes over a picture as the canvas' brush is to.
 struct Brush {
     Brush(const QImage& image, int blockSide, int penWidth)

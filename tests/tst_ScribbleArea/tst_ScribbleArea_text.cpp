@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "Canvas.h"
-#include "TextDrawing.h"
 
 namespace
 {
