@@ -21,6 +21,13 @@ bool is_dots(const std::string& name)
     return name == "." || name == "..";
 }
 
+// Below ".", "..", and names that parsing would take apart at a backslash lies something else than
+// the entry, or the directory itself once more.
+bool can_be_descended(const std::string& name)
+{
+    return !is_dots(name) && name.find('\\') == std::string::npos;
+}
+
 // Intended: a bit test, so that sockets and block devices pass for directories.
 bool has_directory_bit(const dirent& entry)
 {
@@ -50,7 +57,7 @@ void file_path_list(const path& dir, std::vector<path>& out, bool recursive)
         path entry(prefix + name);
         if (!recursive || !has_directory_bit(*found))
             out.push_back(std::move(entry));
-        else if (!is_dots(name))
+        else if (can_be_descended(name))
             file_path_list(entry, out, recursive);
     }
 }
@@ -70,7 +77,7 @@ void file_path_list(const path& dir, std::map<path, std::vector<path>>& out, boo
         path entry(prefix + name);
         if (!is_directory_here(name))
             out[dir].push_back(std::move(entry));
-        else if (!is_dots(name))
+        else if (can_be_descended(name))
             file_path_list(entry, out, flag);
     }
 }

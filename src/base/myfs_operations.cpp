@@ -96,15 +96,14 @@ void copy_within_the_system([[maybe_unused]] int in, [[maybe_unused]] int out)
 }
 
 /// Negative on failure.
-ssize_t copy_contents(int in, int out)
+ssize_t copy_contents(int in, int out, char* buffer)
 {
     copy_within_the_system(in, out);
-    const std::unique_ptr<char[]> buffer(new char[kCopyBufferBytes]);
     for (;;) {
-        const ssize_t got = ::read(in, buffer.get(), kCopyBufferBytes);
+        const ssize_t got = ::read(in, buffer, kCopyBufferBytes);
         if (got <= 0)
             return got;
-        const ssize_t status = write_all(out, buffer.get(), static_cast<std::size_t>(got));
+        const ssize_t status = write_all(out, buffer, static_cast<std::size_t>(got));
         if (status < 0)
             return status;
     }
@@ -127,6 +126,7 @@ ssize_t copy(const std::string& from, const std::string& to, bool fail_if_exists
 {
     // Intended: what cannot be opened counts as copied, and only errno tells.
     constexpr ssize_t not_opened = 1;
+    const std::unique_ptr<char[]> buffer(new char[kCopyBufferBytes]);
     const int in = ::open(from.c_str(), O_RDONLY);
     if (in < 0)
         return not_opened;
@@ -137,7 +137,7 @@ ssize_t copy(const std::string& from, const std::string& to, bool fail_if_exists
         close_keeping_errno(in);
         return not_opened;
     }
-    ssize_t status = copy_contents(in, out);
+    ssize_t status = copy_contents(in, out, buffer.get());
     if (::close(in) < 0)
         status = -1;
     if (::close(out) < 0)
@@ -416,7 +416,10 @@ path app_path()
 
 void set_app_path()
 {
-    current_path(app_path().parent_path());
+    // Where the executable is not known the working directory stays; the parent of nothing is "..".
+    const path executable = app_path();
+    if (!executable.empty())
+        current_path(executable.parent_path());
 }
 
 } // namespace myfs

@@ -27,6 +27,7 @@ PenWidthWidget::PenWidthWidget(QWidget* parent)
     m_slider->setPageStep(kPageStepPx);
     m_slider->setGeometry(kSliderRect);
     m_slider->setAccessibleName(tr("Pen width"));
+    m_slider->setFocusPolicy(Qt::TabFocus);
     connect(m_slider, SIGNAL(valueChanged(int)), this, SLOT(setWidth(int)));
 }
 

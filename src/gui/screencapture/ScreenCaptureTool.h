@@ -42,14 +42,16 @@ public:
 class SCREENCAPTURE_EXPORT ScreenCaptureTool
 {
 public:
-    /// Names the settings directory, an absolute path, and loads the colours. To be called once,
-    /// before the first capture. The directory must exist to be written to: it is not created.
+    /// Names the settings directory, an absolute path without backslashes, and loads the colours.
+    /// To be called once, before the first capture. The directory must exist to be written to: it
+    /// is not created.
     /// Without this call colours live as long as the process.
     static void init(const QString& dir);
 
     /// Fills in four of the colours as they are in memory; `textColor` stays as it is.
     static void penColor(ScreenCaptureToolColors& colors);
 
-    /// Remembers all five colours and writes all but the text colour to the file.
+    /// Remembers all five colours and writes all but the text colour to the file, at once; that can
+    /// take as long as another process holds the file's lock.
     static void setPenColor(const ScreenCaptureToolColors& colors);
 };

@@ -184,20 +184,34 @@ void ScreenCaptureWnd::redo()
     if (!m_scribbleArea)
         return;
     m_scribbleArea->redo();
-    m_btnRedo->setEnabled(m_scribbleArea->canRedo());
+    updateRedoButton();
 }
 
 void ScreenCaptureWnd::save()
 {
-    const QString suggested = QDir::currentPath() + QStringLiteral("/untitled");
-    QString selected = tr("PNG (*.png)");
-    const QString name = QFileDialog::getSaveFileName(
-        this, tr("Save As"), suggested, tr("PNG (*.png);;JPEG (*.jpg;*.jpeg);;BMP (*.bmp)"),
-        &selected);
-    if (name.isEmpty())
+    if (findChild<QFileDialog*>())
+        return;
+    const QString name = askForFileName();
+    if (m_ended)
+        deleteLater();
+    if (m_ended || name.isEmpty())
         return;
     scribbledImage().save(name);
     reset();
+}
+
+// The host may end the capture while the dialog is open. The dialog is this window's child and
+// stands on the stack, so the window must not be deleted before it has returned.
+QString ScreenCaptureWnd::askForFileName()
+{
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    const QString suggested = QDir::currentPath() + QStringLiteral("/untitled");
+    QString selected = tr("PNG (*.png)");
+    QString name = QFileDialog::getSaveFileName(this, tr("Save As"), suggested,
+                                                tr("PNG (*.png);;JPEG (*.jpg;*.jpeg);;BMP (*.bmp)"),
+                                                &selected);
+    setAttribute(Qt::WA_DeleteOnClose);
+    return name;
 }
 
 void ScreenCaptureWnd::onBtnSend()
@@ -208,6 +222,8 @@ void ScreenCaptureWnd::onBtnSend()
 // A window that is on its way out, hidden but not deleted yet, delivers nothing a second time.
 bool ScreenCaptureWnd::beginEnd()
 {
+    if (auto* dialog = findChild<QFileDialog*>())
+        dialog->reject();
     return !qExchange(m_ended, true);
 }
 
@@ -230,9 +246,19 @@ void ScreenCaptureWnd::reject()
 bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
 {
     Q_ASSERT(event != NULL);
-    if (watched == m_scribbleArea && event->type() == QEvent::MouseButtonDblClick)
-        accept();
+    if (watched == m_scribbleArea)
+        watchCanvas(event->type());
     return QDialog::eventFilter(watched, event);
+}
+
+// What can be redone is known when the canvas has handled the event.
+void ScreenCaptureWnd::watchCanvas(QEvent::Type type)
+{
+    if (type == QEvent::MouseButtonDblClick)
+        accept();
+    else if (type == QEvent::MouseButtonPress || type == QEvent::MouseButtonRelease)
+        QMetaObject::invokeMethod(
+            this, [this] { updateRedoButton(); }, Qt::QueuedConnection);
 }
 
 void ScreenCaptureWnd::mousePressEvent(QMouseEvent* event)

@@ -5,6 +5,7 @@
 
 #include <QColor>
 #include <QDialog>
+#include <QEvent>
 #include <QImage>
 #include <QPoint>
 #include <QPointer>
@@ -131,6 +132,8 @@ private:
     QWidget* createMosaicPanel();
     void initScribbleArea();
 
+    void watchCanvas(QEvent::Type type);
+    QString askForFileName();
     bool beginEnd();
     void putCanvasAway();
     void updateMagnifier(const QPoint& pos);
@@ -142,6 +145,7 @@ private:
 
     void beginAnnotating();
     void applyCheckedTool();
+    void updateRedoButton();
     void chooseGraph(int state, const QPen& pen);
     void showPenSettings(const QPen& pen);
     void showSubToolBarForPen();

@@ -128,7 +128,8 @@ QPushButton* ScreenCaptureWnd::createToolButton(const QString& name, const QStri
     return button;
 }
 
-// Not an auto-default button, so that Enter finishes the capture whichever button has the focus.
+// A click leaves the focus with the text that is being typed. Not an auto-default button, so that
+// Enter finishes the capture whichever button has the focus.
 QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QString& toolTip,
                                                    const char* slot)
 {
@@ -137,6 +138,7 @@ QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QS
     button->setStyleSheet(style::kDarkToolTip);
     button->setAccessibleName(toolTip);
     button->setAutoDefault(false);
+    button->setFocusPolicy(Qt::TabFocus);
     connect(button, SIGNAL(clicked()), this, slot);
     return button;
 }
@@ -191,7 +193,6 @@ QComboBox* ScreenCaptureWnd::createFontSizeBox()
     box->setFixedSize(kFontSizeBoxSizePx);
     box->setStyleSheet(style::kDarkText);
     box->setAccessibleName(tr("Font size"));
-    // A click leaves the focus with the text that is being typed.
     box->setFocusPolicy(Qt::TabFocus);
     for (const int size : kFontSizesPt)
         box->addItem(QString::number(size));
@@ -210,6 +211,7 @@ QWidget* ScreenCaptureWnd::createMosaicPanel()
     slider->setPageStep(1);
     slider->setToolTip(tr("Blur"));
     slider->setAccessibleName(tr("Blur"));
+    slider->setFocusPolicy(Qt::TabFocus);
     connect(slider, SIGNAL(valueChanged(int)), this, SLOT(onMosaicBlurChanged(int)));
 
     auto* label = new QLabel(tr("Blur"));
@@ -259,6 +261,7 @@ void ScreenCaptureWnd::onPaintTypeChanged()
     if (m_checkedButton)
         m_checkedButton->setChecked(false);
     applyCheckedTool();
+    updateRedoButton();
 }
 
 // Intended: the sub bar is placed with the height it has before it is shown and sized for the tool.
@@ -273,6 +276,8 @@ void ScreenCaptureWnd::beginAnnotating()
 
 void ScreenCaptureWnd::applyCheckedTool()
 {
+    if (!m_scribbleArea)
+        return;
     if (m_btnScribble->isChecked()) {
         m_checkedButton = m_btnScribble;
         m_scribbleArea->setPaintTypeToScribble();
@@ -406,4 +411,9 @@ void ScreenCaptureWnd::onPenColorChanged(QColor c)
 void ScreenCaptureWnd::onMosaicBlurChanged(int value)
 {
     m_scribbleArea->setMosaicBlur(value);
+}
+
+void ScreenCaptureWnd::updateRedoButton()
+{
+    m_btnRedo->setEnabled(m_scribbleArea && m_scribbleArea->canRedo());
 }

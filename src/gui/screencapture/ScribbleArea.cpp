@@ -424,6 +424,8 @@ void ScribbleArea::initTextEdit()
     m_textEdit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_textEdit->setLineWrapMode(QTextEdit::NoWrap);
     m_textEdit->setUndoRedoEnabled(false);
+    // The menu would take the transparent style sheet and be unreadable.
+    m_textEdit->setContextMenuPolicy(Qt::NoContextMenu);
     m_textEdit->setStyleSheet(style::kTransparent);
     m_textEdit->setGeometry(
         m_resizableRect->rect().adjusted(kTextInsetPx, kTextInsetPx, -kTextInsetPx, -kTextInsetPx));

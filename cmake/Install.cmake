@@ -1,0 +1,75 @@
+# SPDX-License-Identifier: MIT
+# What `cmake --install` puts where. The tree can be moved afterwards: everything in it finds the
+# rest relative to itself.
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+
+set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/screencapture)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ScreenCapture)
+set(data_dir ${CMAKE_INSTALL_DATADIR}/screencapture)
+
+install(TARGETS screencapture EXPORT ScreenCaptureTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT runtime NAMELINK_COMPONENT development
+    INCLUDES DESTINATION ${header_dir})
+install(FILES
+    src/gui/screencapture/ScreenCaptureTool.h
+    src/gui/screencapture/ScreenCaptureWnd.h
+    src/base/code_convert.h
+    src/base/myfs.h
+    src/base/screencapture_export.h
+    DESTINATION ${header_dir} COMPONENT development)
+
+# compress_document(FILE NAME): makes NAME.gz in the build directory, without a time stamp.
+find_program(GZIP_PROGRAM gzip REQUIRED)
+function(compress_document file name)
+    set(compressed ${PROJECT_BINARY_DIR}/${name}.gz)
+    add_custom_command(OUTPUT ${compressed}
+        COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_SOURCE_DIR}/${file} ${PROJECT_BINARY_DIR}/${name}
+        COMMAND ${GZIP_PROGRAM} -9nf ${PROJECT_BINARY_DIR}/${name}
+        DEPENDS ${PROJECT_SOURCE_DIR}/${file} VERBATIM)
+    add_custom_target(compressed_${name} ALL DEPENDS ${compressed})
+endfunction()
+compress_document(CHANGELOG.md changelog)
+
+# For find_package(ScreenCapture).
+install(EXPORT ScreenCaptureTargets NAMESPACE ScreenCapture::
+    DESTINATION ${package_dir} COMPONENT development)
+configure_package_config_file(cmake/ScreenCaptureConfig.cmake.in ScreenCaptureConfig.cmake
+    INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(ScreenCaptureConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/ScreenCaptureConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/ScreenCaptureConfigVersion.cmake
+    DESTINATION ${package_dir} COMPONENT development)
+
+# For pkg-config.
+file(RELATIVE_PATH prefix_from_pkgconfig
+    /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+configure_file(cmake/screencapture.pc.in screencapture.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/screencapture.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(TARGET screencapture_translations)
+    install(FILES $<TARGET_PROPERTY:screencapture_translations,LIBRARY_QM_FILES>
+        DESTINATION ${data_dir}/translations COMPONENT runtime)
+endif()
+
+if(TARGET capture-host)
+    file(RELATIVE_PATH libraries_from_programs
+        /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(capture-host PROPERTIES
+        INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
+    install(TARGETS capture-host DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT host)
+    install(FILES host/capture-host.desktop
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT host)
+    install(FILES host/capture-host.svg
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT host)
+    compress_document(host/capture-host.1 capture-host.1)
+    install(FILES ${PROJECT_BINARY_DIR}/capture-host.1.gz
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
+    if(TARGET screencapture_translations)
+        install(FILES $<TARGET_PROPERTY:screencapture_translations,HOST_QM_FILES>
+            DESTINATION ${data_dir}/translations COMPONENT host)
+    endif()
+endif()
