@@ -32,10 +32,10 @@ QStringList moveOnCanvas(const QPoint& p)
 /// Drags in canvas coordinates, with one move between, so that each segment is known.
 void drag(const QPoint& from, const QPoint& over, const QPoint& to)
 {
-    xdotool(moveOnCanvas(from) << "mousedown"
-                               << "1");
-    xdotool(moveOnCanvas(over));
-    xdotool(moveOnCanvas(to));
+    movePointer(kRegion.topLeft() + from);
+    xdotool({"mousedown", "1"});
+    movePointer(kRegion.topLeft() + over);
+    movePointer(kRegion.topLeft() + to);
     xdotool({"mouseup", "1"});
 }
 
