@@ -25,12 +25,12 @@ find_program(GZIP_PROGRAM gzip REQUIRED)
 function(compress_document file name)
     set(compressed ${PROJECT_BINARY_DIR}/${name}.gz)
     add_custom_command(OUTPUT ${compressed}
-        COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_SOURCE_DIR}/${file} ${PROJECT_BINARY_DIR}/${name}
+        COMMAND ${CMAKE_COMMAND} -E copy ${file} ${PROJECT_BINARY_DIR}/${name}
         COMMAND ${GZIP_PROGRAM} -9nf ${PROJECT_BINARY_DIR}/${name}
-        DEPENDS ${PROJECT_SOURCE_DIR}/${file} VERBATIM)
+        DEPENDS ${file} VERBATIM)
     add_custom_target(compressed_${name} ALL DEPENDS ${compressed})
 endfunction()
-compress_document(CHANGELOG.md changelog)
+compress_document(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog)
 
 # For find_package(ScreenCapture).
 install(EXPORT ScreenCaptureTargets NAMESPACE ScreenCapture::
@@ -65,7 +65,7 @@ if(TARGET capture-host)
         DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT host)
     install(FILES host/capture-host.svg
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT host)
-    compress_document(host/capture-host.1 capture-host.1)
+    compress_document(${PROJECT_SOURCE_DIR}/host/capture-host.1 capture-host.1)
     install(FILES ${PROJECT_BINARY_DIR}/capture-host.1.gz
         DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
     if(TARGET screencapture_translations)

@@ -3,53 +3,58 @@
 # a build that is configured by the preset "package".
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME screencapture)
-set(CPACK_PACKAGE_CONTACT "The ScreenCapture developers <screencapture@localhost.localdomain>")
+set(CPACK_PACKAGE_CONTACT "ScreenCapture developers <developers@screencapture.invalid>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
+# The project's description is the first line of each package's.
 set(CPACK_COMPONENTS_ALL runtime development host)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 
 set(runtime_package libscreencapture${PROJECT_VERSION_MAJOR})
-set(same_runtime "${runtime_package} (= ${PROJECT_VERSION})")
+set(same_runtime "${runtime_package} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "screen capture and annotation for Qt 5 applications
- The desktop freezes, a region of it is dragged out, annotated with pen, text,
- arrow, rectangle, ellipse and mosaic, and handed to the application.
- .
- This package holds the shared library and its translations.")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "The desktop freezes, a region of it is dragged out, annotated with pen, text,
+arrow, rectangle, ellipse and mosaic, and handed to the application.
+
+This package holds the shared library and its translations.")
+
+configure_file(cmake/debian/shlibs.in debian/shlibs @ONLY)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/cmake/debian/triggers
+    ${PROJECT_BINARY_DIR}/debian/shlibs)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libscreencapture-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${same_runtime}, qtbase5-dev")
-set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "screen capture for Qt 5 applications (development files)
- The desktop freezes, a region of it is dragged out, annotated with pen, text,
- arrow, rectangle, ellipse and mosaic, and handed to the application.
- .
- This package holds the headers and what CMake and pkg-config need.")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "The desktop freezes, a region of it is dragged out, annotated with pen, text,
+arrow, rectangle, ellipse and mosaic, and handed to the application.
+
+This package holds the headers and what CMake and pkg-config need.")
 
 set(CPACK_DEBIAN_HOST_PACKAGE_NAME capture-host)
 set(CPACK_DEBIAN_HOST_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_HOST_PACKAGE_DEPENDS "${same_runtime}")
-set(CPACK_DEBIAN_HOST_DESCRIPTION "take a screenshot of a region and annotate it
- The desktop freezes, a region of it is dragged out, annotated with pen, text,
- arrow, rectangle, ellipse and mosaic, and copied or saved. Scripts can take
- one capture from the command line.")
+set(CPACK_DEBIAN_HOST_DESCRIPTION "The desktop freezes, a region of it is dragged out, annotated with pen, text,
+arrow, rectangle, ellipse and mosaic, and copied or saved. Scripts can take
+one capture from the command line.")
 
 # Each package tells its licence and what changed, as Debian wants it.
+configure_file(cmake/debian/changelog.in debian/changelog @ONLY)
+compress_document(${PROJECT_BINARY_DIR}/debian/changelog changelog.Debian)
 foreach(component runtime development host)
     string(TOUPPER ${component} upper)
     set(directory ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
     install(FILES LICENSE RENAME copyright DESTINATION ${directory} COMPONENT ${component})
-    install(FILES ${PROJECT_BINARY_DIR}/changelog.gz
+    install(FILES ${PROJECT_BINARY_DIR}/changelog.gz ${PROJECT_BINARY_DIR}/changelog.Debian.gz
         DESTINATION ${directory} COMPONENT ${component})
 endforeach()
 
