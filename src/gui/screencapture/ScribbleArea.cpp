@@ -533,7 +533,8 @@ void ScribbleArea::onupdateMosaicImage()
 
 void ScribbleArea::resetMosaicTrack()
 {
-    m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
+    if (m_mosaicTrack.size() != m_image.size())
+        m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
     m_mosaicTrack.fill(QColor(0, 0, 0, 0));
 }
 
