@@ -3,6 +3,7 @@
 
 #include <QEvent>
 #include <QImage>
+#include <QPaintEvent>
 #include <QRect>
 #include <QWidget>
 
@@ -45,15 +46,19 @@ private:
     QImage m_image;
 };
 
-/// Counts how often a widget is painted.
+/// Counts how often a widget is painted, and keeps what of it was painted last.
 class PaintCounter : public QObject
 {
 public:
     explicit PaintCounter(QWidget& widget) { widget.installEventFilter(this); }
     int count = 0;
+    QRegion area;
     bool eventFilter(QObject* /*watched*/, QEvent* event) override
     {
-        count += event->type() == QEvent::Paint;
+        if (event->type() == QEvent::Paint) {
+            ++count;
+            area = static_cast<QPaintEvent*>(event)->region();
+        }
         return false;
     }
 };

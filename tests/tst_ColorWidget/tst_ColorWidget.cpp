@@ -413,6 +413,7 @@ void tst_ColorWidget::repaintsAlsoWhenNothingChanges()
     QTRY_COMPARE(paints.count, 5);
     palette.leave();
     QTRY_COMPARE(paints.count, 6);
+    QCOMPARE(paints.area, QRegion(palette.rect()));
 }
 
 void tst_ColorWidget::repaintsAfterAClickOnTheCurrentColor()

@@ -206,8 +206,10 @@ void tst_PenWidthWidget::repaintsAlsoWhenNothingChanges()
     PaintCounter paints(picker);
     picker.setWidth(10);
     QTRY_COMPARE(paints.count, 1);
+    QCOMPARE(paints.area, QRegion(picker.rect()));
     sliderOf(picker)->setValue(11);
     QTRY_COMPARE(paints.count, 2);
+    QCOMPARE(paints.area, QRegion(picker.rect()));
 }
 
 QTEST_MAIN(tst_PenWidthWidget)
