@@ -29,6 +29,11 @@ constexpr QSize kGrabWindowInsetPx(4, 4);
 
 const char* const kSelectionColor = "#00aacc";
 
+bool isPressOrRelease(const QEvent& event)
+{
+    return event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonRelease;
+}
+
 } // namespace
 
 ScreenCaptureWnd* ScreenCaptureWnd::s_screenCaptureWnd = nullptr;
@@ -184,7 +189,12 @@ void ScreenCaptureWnd::redo()
     if (!m_scribbleArea)
         return;
     m_scribbleArea->redo();
-    m_btnRedo->setEnabled(m_scribbleArea->canRedo());
+    updateRedoButton();
+}
+
+void ScreenCaptureWnd::updateRedoButton()
+{
+    m_btnRedo->setEnabled(m_scribbleArea && m_scribbleArea->canRedo());
 }
 
 void ScreenCaptureWnd::save()
@@ -232,6 +242,10 @@ bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
     Q_ASSERT(event != NULL);
     if (watched == m_scribbleArea && event->type() == QEvent::MouseButtonDblClick)
         accept();
+    // The canvas sees the event only now; the edit that it may become leaves nothing to redo.
+    if (watched == m_scribbleArea && isPressOrRelease(*event))
+        QMetaObject::invokeMethod(
+            this, [this] { updateRedoButton(); }, Qt::QueuedConnection);
     return QDialog::eventFilter(watched, event);
 }
 

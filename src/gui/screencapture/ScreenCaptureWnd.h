@@ -133,6 +133,7 @@ private:
 
     bool beginEnd();
     void putCanvasAway();
+    void updateRedoButton();
     void updateMagnifier(const QPoint& pos);
     void updateMagnifierAtCursor();
     QRect makeGrabWholeWindowRect(const QPoint& globalPos);

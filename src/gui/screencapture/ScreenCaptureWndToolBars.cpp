@@ -249,6 +249,8 @@ void ScreenCaptureWnd::onPaintTypeChanged()
     if (m_checkedButton)
         m_checkedButton->setChecked(false);
     applyCheckedTool();
+    // A shape that the change of tool committed leaves nothing to redo.
+    updateRedoButton();
 }
 
 // Intended: the sub bar is placed with the height it has before it is shown and sized for the tool.
