@@ -582,7 +582,7 @@ void tst_ScreenCaptureTool::unwritableFileKeepsTheColorsInMemory()
 {
     const QString system = "/proc/version";
     if (!QFileInfo::exists(system))
-        QSKIP("the system has no file that the superuser cannot write");
+        QSKIP("the system has no file that the superuser cannot write", "");
     QVERIFY(QFile::link(system, file()));
     QCOMPARE(runHere({"print", "set", "4278190335", "print"}), allFour(kRed) + allFour(kBlue));
     QCOMPARE(QFileInfo(file()).symLinkTarget(), system);

@@ -135,6 +135,8 @@ void tst_ScreenCaptureWnd_tools_x11::barsAreSeenOverTheCanvas()
                      bar->grab().toImage().convertToFormat(QImage::Format_RGB32));
         QCOMPARE(screenshot().pixelColor(bar->geometry().topLeft()), QColor(Qt::white));
     }
+    // Nor does the canvas take the mouse from them.
+    useTool(Ellipse);
 }
 
 void tst_ScreenCaptureWnd_tools_x11::secondRegionShowsItsOwnPixels()
