@@ -228,6 +228,8 @@ void ScribbleArea::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
 
+    if (m_restTimer.isActive())
+        finishRepaintingParent();
     m_lastPoint = event->pos();
     if (m_resizableRect->isVisible()) {
         m_pressOutsideRect = !m_resizableRect->contains(m_lastPoint);
