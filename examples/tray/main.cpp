@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// A host in the tray, without a window, which puts screenshots on the clipboard. A second start of
-// the program asks the first for one: give that to a key of the desktop, and it works anywhere.
+// A host in the tray, which shows the last screenshot in a window. A second start of the program
+// asks the first for one: give that to a key of the desktop, and it works anywhere.
 #include <QApplication>
-#include <QClipboard>
+#include <QLabel>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMenu>
@@ -11,28 +11,27 @@
 #include <QSystemTrayIcon>
 #include <ScreenCaptureWnd.h>
 
-namespace
-{
-
-void takeScreenshot()
+static void takeScreenshot(QLabel* view)
 {
     ScreenCaptureWnd* capture = ScreenCaptureWnd::screenCaptureWnd();
-    QObject::disconnect(capture, &ScreenCaptureWnd::captureFinished, qApp, nullptr);
-    const auto copy = [](const QImage& picture, bool finished) {
-        if (finished && !picture.isNull())
-            QGuiApplication::clipboard()->setImage(picture);
+    const auto show = [view](const QImage& picture, bool finished) {
+        if (!finished || picture.isNull())
+            return;
+        view->setPixmap(QPixmap::fromImage(picture));
+        view->adjustSize();
+        view->show();
     };
-    QObject::connect(capture, &ScreenCaptureWnd::captureFinished, qApp, copy);
+    QObject::connect(capture, &ScreenCaptureWnd::captureFinished, view, show, Qt::QueuedConnection);
     capture->showFullDesktop(true);
 }
-
-} // namespace
 
 int main(int argc, char** argv)
 {
     const QApplication app(argc, argv);
-    // Windows come and go here; none of them is the last one.
+    // The picture is closed, the host stays.
     QApplication::setQuitOnLastWindowClosed(false);
+
+    QLabel view;
 
     const QString name = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) +
                          QStringLiteral("/screencapture-example-tray");
@@ -40,17 +39,16 @@ int main(int argc, char** argv)
     first.connectToServer(name);
     if (first.waitForConnected())
         return 0;
-    QLocalServer::removeServer(name);
     QLocalServer server;
-    QObject::connect(&server, &QLocalServer::newConnection, qApp, [&server] {
+    QObject::connect(&server, &QLocalServer::newConnection, &view, [&server, &view] {
         delete server.nextPendingConnection();
-        takeScreenshot();
+        takeScreenshot(&view);
     });
-    if (!server.listen(name))
-        qWarning("There is no global start: %s", qPrintable(server.errorString()));
+    QLocalServer::removeServer(name); // one that a crash left
+    server.listen(name);
 
     QMenu menu;
-    menu.addAction(QStringLiteral("Take a screenshot"), &takeScreenshot);
+    menu.addAction(QStringLiteral("Take a screenshot"), [&view] { takeScreenshot(&view); });
     menu.addAction(QStringLiteral("Quit"), qApp, &QCoreApplication::quit);
     QSystemTrayIcon icon(QApplication::style()->standardIcon(QStyle::SP_DesktopIcon));
     icon.setContextMenu(&menu);

@@ -35,6 +35,14 @@ locate() {
         -e 's/.*Absolute upper-left \([XY]\): */\1=/p' -e 's/^ *Width: /WIDTH=/p' -e 's/^ *Height: /HEIGHT=/p')"
 }
 
+# Whether a window of that class shows the region in now.png, and nothing else.
+shows_the_picture() {
+    locate --class "$1" || return
+    "$im" convert "$scratch/now.png" -crop "${WIDTH}x$HEIGHT+$X+$Y" +repage "$scratch/shown.png"
+    "$im" convert "$scratch/screen.png" -crop 300x200+200+150 +repage "$scratch/expected.png"
+    same "$scratch/shown.png" "$scratch/expected.png"
+}
+
 # wait_for COMMAND...
 wait_for() {
     for ((i = 0; i < 600; i++)); do
