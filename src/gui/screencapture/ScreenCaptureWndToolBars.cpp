@@ -126,6 +126,10 @@ QWidget* ScreenCaptureWnd::createToolBar(const QString& name, const QMargins& ma
     bar->setAttribute(Qt::WA_NoMousePropagation);
     bar->installEventFilter(this);
     bar->hide();
+    // What the style sheet paints is opaque; told so, Qt moves the bar's pixels instead of painting
+    // them anew. A style sheet takes this back when it is applied, so it comes first.
+    bar->ensurePolished();
+    bar->setAutoFillBackground(true);
     (new QHBoxLayout(bar))->setContentsMargins(margins);
     return bar;
 }
@@ -273,6 +277,7 @@ void ScreenCaptureWnd::onPaintTypeChanged()
     if (m_checkedButton)
         m_checkedButton->setChecked(false);
     applyCheckedTool();
+    // A shape that the change of tool committed leaves nothing to redo.
     updateRedoButton();
 }
 
