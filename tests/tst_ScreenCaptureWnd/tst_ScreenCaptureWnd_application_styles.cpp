@@ -103,7 +103,7 @@ void tst_ScreenCaptureWnd_application_styles::barsKeepTheirSizes()
     for (QLabel* separator : m_capture->toolBar()->findChildren<QLabel*>())
         QCOMPARE(separator->size(), kSeparatorSizePx);
 
-    QWidget* subBar = m_capture->window()->findChild<QWidget*>("subToolBar");
+    auto* subBar = m_capture->window()->findChild<QWidget*>("subToolBar");
     tool(1)->click();
     QCOMPARE(subBar->findChild<QComboBox*>()->size(), QSize(45, 26));
     tool(5)->click();

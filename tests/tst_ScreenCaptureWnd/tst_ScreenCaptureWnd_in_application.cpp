@@ -196,6 +196,9 @@ void tst_ScreenCaptureWnd_in_application::onlyTheKnownLinesArePrinted()
     qInstallMessageHandler(s_next);
     QStringList objects;
     for (const QString& message : qAsConst(s_messages)) {
+        // Qt asks after a window that the test before has closed.
+        if (message.startsWith("QXcbConnection: XCB error: 3 (BadWindow)"))
+            continue;
         QVERIFY2(message.startsWith("Could not parse stylesheet of object "), qPrintable(message));
         objects << message.section(' ', 6).section('(', 0, 0);
     }
