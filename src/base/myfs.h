@@ -36,20 +36,27 @@ class SCREENCAPTURE_EXPORT path
 {
 public:
     /// How text is parsed, and the separator with which string() renders.
-    enum SYSPATHTYPE : std::int32_t { WINDOWS_PATH = 0, POSIX_PATH = 1 };
+    enum SYSPATHTYPE : std::int32_t {
+        WINDOWS_PATH = 0, ///< Separated by '\\'.
+        POSIX_PATH = 1    ///< Separated by '/'.
+    };
 
     /// A relative POSIX path without components.
     path() = default;
 
     /// Copies components, style and absoluteness as they are.
     path(const path& other) = default;
+    /// Takes them over; `other` has no components then.
     path(path&& other) noexcept = default;
     ~path() = default;
 
     /// A POSIX path: set(text, POSIX_PATH). Wide text loses what UTF-8 cannot hold, see CodeCvt.
     path(const char* text);
+    /// The same from a string.
     path(const std::string& text);
+    /// The same from wide text.
     path(const wchar_t* text);
+    /// The same from a wide string.
     path(const std::wstring& text);
 
     /// Parses the rendered text of `other` as a POSIX path: a Windows style is lost, whether the
@@ -58,24 +65,29 @@ public:
 
     /// set(text, POSIX_PATH).
     path& operator=(const char* text);
+    /// The same from a string.
     path& operator=(const std::string& text);
 
     /// Parses `text` anew. A POSIX path is absolute when it begins with '/'. A Windows path is
     /// absolute with a drive ("C:", its first component) or a UNC prefix, which becomes a first
     /// component of two backslashes.
     void set(const std::string& text, SYSPATHTYPE type);
+    /// The same from wide text.
     void set(const std::wstring& text, SYSPATHTYPE type);
 
     /// The text, with the separators of the path's own style.
     std::string string() const;
+    /// string().
     std::string str() const;
 
     /// The text with '/' separators, and a leading '/' when absolute, whatever the style.
     std::string generic_string() const;
 
-    /// The same texts as wide strings, up to the first character that CodeCvt cannot decode.
+    /// string() as a wide string, up to the first character that CodeCvt cannot decode.
     std::wstring wstring() const;
+    /// wstring().
     std::wstring wstr() const;
+    /// generic_string() as a wide string.
     std::wstring generic_wstring() const;
 
     /// Whether there are no components; true for "/" and ".", false for "".
@@ -93,7 +105,9 @@ public:
     /// Adds the components of `p` at the end; nothing at all when `p` is absolute and this path has
     /// components. Style and absoluteness of this path stay, also where it was empty.
     path& append(const path& p);
+    /// Appends the path of the text.
     path& append(const char* text);
+    /// Appends the path of the string.
     path& append(const std::string& text);
 
     /// All components but the last, POSIX style, as absolute as this path. Without components: ".."
@@ -147,16 +161,20 @@ private:
 class SCREENCAPTURE_EXPORT gbk_path : public path
 {
 public:
+    /// A POSIX path: the text, converted to UTF-8.
     gbk_path(const char* text);
+    /// The same from a string.
     gbk_path(const std::string& text);
 };
 
 /// The order of path::compare().
 SCREENCAPTURE_EXPORT bool operator<(const path& a, const path& b);
 
-/// The separator "/", in three types.
+/// The separator "/".
 SCREENCAPTURE_EXPORT std::string native_sep();
+/// The separator as one character.
 SCREENCAPTURE_EXPORT char native_sep_char();
+/// The separator as wide text.
 SCREENCAPTURE_EXPORT std::wstring native_wsep();
 
 /// Whether `c` is '/' or '\\'.
@@ -178,27 +196,35 @@ SCREENCAPTURE_EXPORT void path_to_string(const std::vector<std::string>& compone
 // Queries (exists, is_directory, is_regular_file) set it only when they fail. Actions set it in any
 // case, on success to whatever `errno` held: judge them by what they return, never by the code.
 
-/// The bytes of a file system. `available` is what an ordinary user may still fill.
+/// The bytes of a file system.
 struct disk_space {
+    /// The size of the file system.
     std::uint64_t capacity = 0;
+    /// What is not used.
     std::uint64_t free = 0;
+    /// What an ordinary user may still fill.
     std::uint64_t available = 0;
 };
 
 /// Whether there is anything of that name, symbolic links followed. Never for "/", which renders as
 /// "".
 SCREENCAPTURE_EXPORT bool exists(const path& p, std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT bool exists(const path& p);
 
 /// Whether it is a directory, symbolic links followed.
 SCREENCAPTURE_EXPORT bool is_directory(const path& p, std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT bool is_directory(const path& p);
 
 /// Whether it is a regular file, symbolic links followed.
 SCREENCAPTURE_EXPORT bool is_regular_file(const path& p, std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT bool is_regular_file(const path& p);
 
+/// is_directory().
 SCREENCAPTURE_EXPORT bool directory_exists(const path& p);
+/// is_regular_file().
 SCREENCAPTURE_EXPORT bool file_exists(const path& p);
 
 /// Whether the current `errno`, not the argument, says that something does not exist.
@@ -206,12 +232,14 @@ SCREENCAPTURE_EXPORT bool not_found_error(int error);
 
 /// Makes one directory for its owner alone (0700).
 SCREENCAPTURE_EXPORT bool create_directory(const path& p, std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT bool create_directory(const path& p);
 
 /// Makes a directory and its missing parents; true also where it exists. A directory that cannot be
 /// made is reported on standard output, "create directory '%s' failed, errno=%d\n"; a plain file in
 /// the way gives false without a word. The code is set only where a directory was to be made.
 SCREENCAPTURE_EXPORT bool create_directory_r(const path& p, std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT bool create_directory_r(const path& p);
 
 /// Makes `sub` below `parent` as create_directory_r() does and returns its text, made or not.
@@ -222,10 +250,12 @@ SCREENCAPTURE_EXPORT std::string create_sub_directory(const char* parent, const 
 /// or closing fails; but true, with the failure in the code alone, when a file cannot be opened.
 SCREENCAPTURE_EXPORT bool copy_regular_file(const path& from, const path& to, bool fail_if_exists,
                                             std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT bool copy_regular_file(const path& from, const path& to, bool fail_if_exists);
 
 /// The size in bytes; 0 on failure. The flag has no effect.
 SCREENCAPTURE_EXPORT long long file_size(const path& p, std::error_code& ec, bool flag);
+/// The same without a code.
 SCREENCAPTURE_EXPORT long long file_size(const path& p, bool flag);
 
 /// The modification time in seconds since 1970; -1 on failure.
@@ -240,6 +270,7 @@ SCREENCAPTURE_EXPORT long long last_modify_time(const path& p);
 
 /// Removes a file or an empty directory.
 SCREENCAPTURE_EXPORT bool remove(const path& p, std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT bool remove(const path& p);
 
 /// Removes an empty directory.
@@ -247,14 +278,17 @@ SCREENCAPTURE_EXPORT bool remove_directory(const path& p);
 
 /// Renames or moves within a file system, over an existing file.
 SCREENCAPTURE_EXPORT bool rename(const path& from, const path& to, std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT bool rename(const path& from, const path& to);
 
 /// Cuts or extends a file, with zeros, to `size` bytes.
 SCREENCAPTURE_EXPORT bool resize_file(const path& p, long long size, std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT bool resize_file(const path& p, long long size);
 
 /// The bytes of the file system that holds `p`; all 0 on failure.
 SCREENCAPTURE_EXPORT disk_space space(const path& p, std::error_code& ec);
+/// The same without a code.
 SCREENCAPTURE_EXPORT disk_space space(const path& p);
 
 /// The working directory. Throws `std::runtime_error`, "Internal error in getcwd(): " and the
@@ -263,6 +297,7 @@ SCREENCAPTURE_EXPORT path current_path();
 
 /// Changes the working directory of the process.
 SCREENCAPTURE_EXPORT void current_path(const path& p, std::error_code& ec);
+/// The same without a code, so that a failure does not show.
 SCREENCAPTURE_EXPORT void current_path(const path& p);
 
 /// The working directory as it was at the first call. The reference is valid until exit.
@@ -309,6 +344,7 @@ public:
     /// Also flushes, and gives up the lock. Nothing when closed.
     void close();
 
+    /// Whether a file is open.
     bool is_open() const;
 
     /// The bytes written; 0 when closed.
@@ -332,7 +368,9 @@ public:
 
     /// Moves to a position, also beyond the end. The stream must be open.
     bool setpos(long long pos);
+    /// Moves to the beginning. The stream must be open.
     bool set_begin_pos();
+    /// Moves behind the last byte. The stream must be open.
     bool set_end_pos();
 
 private:
@@ -359,6 +397,7 @@ SCREENCAPTURE_EXPORT void file_path_list(const path& dir, std::map<path, std::ve
 /// The same as UTF-8 text.
 SCREENCAPTURE_EXPORT void u8_file_list(const std::string& dir, std::vector<std::string>& out,
                                        bool recursive);
+/// Grouped by directory, as UTF-8 text.
 SCREENCAPTURE_EXPORT void u8_file_list(const std::string& dir,
                                        std::map<std::string, std::vector<std::string>>& out,
                                        bool flag);
@@ -366,6 +405,7 @@ SCREENCAPTURE_EXPORT void u8_file_list(const std::string& dir,
 /// The same as wide text, each up to the first character that CodeCvt cannot decode.
 SCREENCAPTURE_EXPORT void u16_file_list(const std::wstring& dir, std::vector<std::wstring>& out,
                                         bool recursive);
+/// Grouped by directory, as wide text.
 SCREENCAPTURE_EXPORT void u16_file_list(const std::wstring& dir,
                                         std::map<std::wstring, std::vector<std::wstring>>& out,
                                         bool flag);

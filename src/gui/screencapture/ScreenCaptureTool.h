@@ -10,10 +10,15 @@
 
 /// The colours of the tools that have one; invalid until they are set.
 struct ScreenCaptureToolColors {
+    /// The pen.
     QColor scribbleColor;
+    /// The frame of a rectangle.
     QColor rectColor;
+    /// The outline of an ellipse.
     QColor ellipseColor;
+    /// The arrow, filled.
     QColor arrowColor;
+    /// What is typed.
     QColor textColor;
 };
 
@@ -21,9 +26,12 @@ struct ScreenCaptureToolColors {
 class ScreenCaptureToolHelper : QObject
 {
 public:
+    /// Fills in the default colours: a red pen, black text.
     ScreenCaptureToolHelper();
 
+    /// By the name of the member of ScreenCaptureToolColors.
     QMap<QString, QColor> m_penColors;
+    /// The settings file; empty before ScreenCaptureTool::init().
     QString m_iniPath;
 };
 

@@ -36,7 +36,8 @@ struct ScreenCaptureToolColors;
 /// \endcode
 ///
 /// Coordinates are pixels of the window, which are those of the virtual desktop. The window deletes
-/// itself: a host keeps no pointer to it across the end of a capture. GUI thread only, with a
+/// itself: a host keeps no pointer to it across the end of a capture. Its end is never taken for
+/// that of the last window, with which Qt ends an application. GUI thread only, with a
 /// QApplication; nothing is thrown, and a desktop that cannot be grabbed gives a null picture.
 class SCREENCAPTURE_EXPORT ScreenCaptureWnd : public QDialog
 {
@@ -74,7 +75,8 @@ public:
 signals:
     /// Emitted exactly once, at the end of a capture: the annotated region and true when the user
     /// finished (the image is null when there was no region), a null image and false when the user
-    /// cancelled.
+    /// cancelled. Hosts may connect to it directly as well; a slot then runs before the window is
+    /// hidden.
     void captureFinished(QImage image, bool finished);
 
     /// Never emitted by the window, which stores colours itself; kept for hosts that connect to it.
@@ -83,31 +85,40 @@ signals:
 public slots:
     /// Takes back the last edit; drops the region when there is none left.
     void undo();
+    /// Puts the last edit that was taken back in again; nothing when there is none.
     void redo();
     /// Asks for a file name, writes the picture there (format by the suffix that the user typed)
     /// and starts over. A failed write is silent.
     void save();
+    /// accept().
     void onBtnSend();
     /// Ends the capture with the picture.
     void accept() override;
     /// Cancels the capture.
     void reject() override;
+    /// The region was moved or resized, in pixels of the window: canvas and tool bar follow.
     void onCaptureRectChanged(const QRect& rect);
-    /// A tool button was clicked.
+    /// A tool button was clicked: the tool whose button is checked now is used.
     void onPaintTypeChanged();
-    /// The settings of the chosen tool; sizes are points, widths and blur are pixels.
+    /// The size of text, a number of points; nothing while another tool is chosen. This and the
+    /// three that follow are the settings of the chosen tool, for when one was chosen.
     void onFontSizeChanged(const QString& size);
+    /// The width of the chosen tool, in pixels; of the mosaic 15 less than its brush has.
     void onPenWidthChanged(int width);
+    /// The colour of the chosen tool, which is remembered at once.
     void onPenColorChanged(QColor c);
+    /// The side of the blocks of the mosaic, in pixels.
     void onMosaicBlurChanged(int value);
 
 protected:
+    /// \cond
     bool eventFilter(QObject* watched, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    /// \endcond
 
 private:
     enum CaptureState { StateIdle = 0, StateSelecting = 1, StateSelected = 2, StateAnnotating = 3 };

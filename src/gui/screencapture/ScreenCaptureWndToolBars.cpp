@@ -9,6 +9,7 @@
 #include "ScribbleArea.h"
 #include "StyleSheets.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QIcon>
@@ -60,6 +61,14 @@ QPen withColor(QPen pen, const QColor& color)
     return pen;
 }
 
+// A sheet of the window is nearer than the application's. Where that has none, the widgets keep the
+// look of its style.
+void holdAgainstApplicationStyles(QWidget* window, const QString& textBoxRule = QString())
+{
+    if (!qApp->styleSheet().isEmpty())
+        window->setStyleSheet(style::kBarsAmongApplicationStyles + textBoxRule);
+}
+
 } // namespace
 
 void ScreenCaptureWnd::initToolBars()
@@ -103,6 +112,7 @@ void ScreenCaptureWnd::initToolBars()
     layout->addWidget(createDoneButton());
 
     initSubToolBar();
+    holdAgainstApplicationStyles(this);
 }
 
 // What misses a button, or hits a disabled one, must not reach the window beneath: there a double
@@ -150,6 +160,7 @@ QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QS
 QPushButton* ScreenCaptureWnd::createDoneButton()
 {
     auto* button = new QPushButton(QIcon(icon("done")), tr("done"));
+    button->setObjectName(QStringLiteral("doneButton"));
     button->setFixedSize(kDoneButtonSizePx);
     button->setStyleSheet(style::kDarkText);
     button->setDefault(true);
@@ -207,6 +218,7 @@ QComboBox* ScreenCaptureWnd::createFontSizeBox()
 QWidget* ScreenCaptureWnd::createMosaicPanel()
 {
     auto* panel = new QWidget;
+    panel->setObjectName(QStringLiteral("mosaicPanel"));
     panel->setFixedSize(kMosaicPanelSizePx);
     auto* slider = new QSlider(Qt::Horizontal);
     slider->setFixedSize(kBlurSliderSizePx);
@@ -364,8 +376,10 @@ void ScreenCaptureWnd::updateSubToolBarPos()
 void ScreenCaptureWnd::onFontSizeChanged(const QString& size)
 {
     Q_ASSERT(m_scribbleArea != NULL);
-    if (m_btnText->isChecked())
-        m_scribbleArea->setTextFontSize(size.toInt());
+    if (!m_btnText->isChecked())
+        return;
+    m_scribbleArea->setTextFontSize(size.toInt());
+    holdAgainstApplicationStyles(this, QString(style::kTextBoxOfSize).arg(size));
 }
 
 // Widths are not remembered between captures.

@@ -1,0 +1,51 @@
+# SPDX-License-Identifier: MIT
+# Sourced by the test beside it. How each command and each block of the documents is checked, as far
+# as a test can: what is named here is run, or what is said beside it is done instead.
+
+# check_command COMMAND: its comment cut off, and its continuation lines joined.
+check_command() {
+    case $1 in
+        ./run) without_display ./run && [ -s out/result.png ] ;;
+        # The suites themselves.
+        ./test) is_suite dev ;;
+        './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
+        './test asan') is_suite asan ;;
+
+        # ./run has built build/release; the other builds are planned, but not done again.
+        'cmake --preset '*BENCHMARKS=ON) has_benchmark_library || return 0; run "$1" ;;
+        'cmake --build --preset release --target bench'*) has_benchmark_library || return 0; run "$1 -- -n" ;;
+        'build/release/benchmarks/bench_'*) has_benchmark_library || return 0; is_built_as "${1#build/release/}" ;;
+        'cmake --build --preset release') run "$1" ;;
+        'cmake --build --preset '*) run "$1 -- -n" ;;
+        'cmake --preset '* | 'cmake --install '*) run "$1" ;;
+        'ctest --preset dev') run "$1 -N" ;;
+        'ctest --preset dev -R '*) run "$1 -N | tee listed" && grep -q 'Total Tests: [1-9]' listed ;;
+        # The packages are made, installed and removed by a test of their own, in the same way.
+        'cpack --config build/package/CPackConfig.cmake -B build/packages')
+            [ -s build/package/CPackConfig.cmake ] && grep -q '^cpack --config ' tests/install/packages ;;
+        build/dev/tests) [ -d "$build/tests" ] ;;
+        'QT_QPA_PLATFORM=xcb tools/with-display '*) run "${1//build\/dev/$build}" ;;
+
+        'g++ -std=c++17 -fPIC main.cpp '*) compiled_by_hand "$1" ;;
+        'doxygen docs/Doxyfile') run "$1" && [ -s build/api/html/index.html ] ;;
+        build/api/html/index.html) [ -s "$1" ] ;;
+        'lupdate -locations none '*) PATH=$PATH:/usr/lib/qt5/bin run "$1" ;;
+        'capture-host --once --output shot.png') on_display takes_picture "$1" ;;
+        'capture-host --help') run "$1" ;;
+        *) return 1 ;;
+    esac
+}
+
+# check_block DOCUMENT LANGUAGE FILE
+check_block() {
+    case "$1 $2 $(head -1 "$3")" in
+        'README.md cpp #include <ScreenCaptureWnd.h>') cp "$3" embed.cpp ;; # the builds below use it
+        'README.md cpp #include <myfs.h>') base_fragment_runs "$3" ;;
+        'README.md cmake add_subdirectory(screencapture)') cmake_project "$3" -n ;;
+        'README.md cmake find_package'*) cmake_project "$3" && on_display "$project/build/yourapp" ;;
+        'README.md qmake QT += widgets') qmake_project "$3" && on_display "$project/yourapp" ;;
+        'README.md ini [pen_color]') settings_file_is "$3" ;;
+        'README.md text screenCaptureWnd() '*) names_the_states "$3" ;;
+        *) return 1 ;;
+    esac
+}
