@@ -23,11 +23,21 @@ namespace
 {
 
 constexpr int kDimAlpha = 100;
+constexpr int kDepthBits = 32;
 constexpr int kMinRegionSidePx = 3;
 constexpr qreal kGrabWindowBorderPx = 4.0;
 constexpr QSize kGrabWindowInsetPx(4, 4);
 
 const char* const kSelectionColor = "#00aacc";
+
+// The mosaic works on 32 bits, which not every display has.
+QImage in32Bits(const QImage& image)
+{
+    if (image.isNull() || image.depth() == kDepthBits)
+        return image;
+    const QImage deep = image.convertToFormat(QImage::Format_RGB32);
+    return deep.isNull() ? image : deep;
+}
 
 } // namespace
 
@@ -79,7 +89,7 @@ void ScreenCaptureWnd::grabDesktop()
     const QPixmap grabbed =
         screen ? screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height())
                : QPixmap();
-    m_desktopImage = new QImage(grabbed.toImage());
+    m_desktopImage = new QImage(in32Bits(grabbed.toImage()));
 }
 
 void ScreenCaptureWnd::initCaptureRect()
@@ -135,7 +145,9 @@ QImage ScreenCaptureWnd::scribbledImage() const
     if (m_state != StateAnnotating)
         return captureImage();
     m_scribbleArea->completeScribble();
-    return m_scribbleArea->image();
+    const QImage annotated = m_scribbleArea->image();
+    // There was no memory for the canvas's picture when the tool was chosen; now there may be.
+    return annotated.isNull() ? captureImage() : annotated;
 }
 
 void ScreenCaptureWnd::reset()
