@@ -65,6 +65,11 @@ ScreenCaptureWnd::ScreenCaptureWnd()
 ScreenCaptureWnd::~ScreenCaptureWnd()
 {
     s_screenCaptureWnd = nullptr;
+    // The dialog stands on the stack of save(), which closes it when it returns there.
+    if (auto* dialog = findChild<QFileDialog*>()) {
+        dialog->setParent(nullptr);
+        dialog->reject();
+    }
     delete m_desktopImage;
 }
 
@@ -201,9 +206,13 @@ void ScreenCaptureWnd::redo()
 
 void ScreenCaptureWnd::save()
 {
-    if (findChild<QFileDialog*>())
+    if (m_ended || findChild<QFileDialog*>())
         return;
+    const QPointer<ScreenCaptureWnd> alive(this);
     const QString name = askForFileName();
+    if (!alive)
+        return;
+    setAttribute(Qt::WA_DeleteOnClose);
     if (m_ended)
         deleteLater();
     if (m_ended || name.isEmpty())
@@ -213,17 +222,15 @@ void ScreenCaptureWnd::save()
 }
 
 // The host may end the capture while the dialog is open. The dialog is this window's child and
-// stands on the stack, so the window must not be deleted before it has returned.
+// stands on the stack, so the window does not delete itself before it has returned.
 QString ScreenCaptureWnd::askForFileName()
 {
     setAttribute(Qt::WA_DeleteOnClose, false);
     const QString suggested = QDir::currentPath() + QStringLiteral("/untitled");
     QString selected = tr("PNG (*.png)");
-    QString name = QFileDialog::getSaveFileName(this, tr("Save As"), suggested,
-                                                tr("PNG (*.png);;JPEG (*.jpg;*.jpeg);;BMP (*.bmp)"),
-                                                &selected);
-    setAttribute(Qt::WA_DeleteOnClose);
-    return name;
+    return QFileDialog::getSaveFileName(this, tr("Save As"), suggested,
+                                        tr("PNG (*.png);;JPEG (*.jpg;*.jpeg);;BMP (*.bmp)"),
+                                        &selected);
 }
 
 void ScreenCaptureWnd::onBtnSend()
@@ -241,26 +248,48 @@ bool ScreenCaptureWnd::beginEnd()
 
 void ScreenCaptureWnd::accept()
 {
-    if (!beginEnd())
-        return;
-    emit captureFinished(scribbledImage(), true);
-    QDialog::accept();
+    if (beginEnd())
+        deliver(scribbledImage(), true);
 }
 
 void ScreenCaptureWnd::reject()
 {
-    if (!beginEnd())
-        return;
-    emit captureFinished(QImage(), false);
-    QDialog::reject();
+    if (beginEnd())
+        deliver(QImage(), false);
+}
+
+// A host that connects directly may delete the window in its slot, or throw from it: nobody could
+// close an overlay that stayed open then.
+void ScreenCaptureWnd::deliver(const QImage& image, bool finished)
+{
+    const QPointer<ScreenCaptureWnd> alive(this);
+    try {
+        emit captureFinished(image, finished);
+    } catch (...) {
+        if (alive)
+            leave(finished);
+        throw;
+    }
+    if (alive)
+        leave(finished);
+}
+
+void ScreenCaptureWnd::leave(bool finished)
+{
+    if (finished)
+        QDialog::accept();
+    else
+        QDialog::reject();
 }
 
 bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
 {
     Q_ASSERT(event != NULL);
+    const QPointer<ScreenCaptureWnd> alive(this);
     if (watched == m_scribbleArea)
         watchCanvas(event->type());
-    return QDialog::eventFilter(watched, event);
+    // Where the host deleted the window, the canvas is gone too.
+    return alive ? QDialog::eventFilter(watched, event) : true;
 }
 
 // What can be redone is known when the canvas has handled the event.
