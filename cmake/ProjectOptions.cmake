@@ -14,3 +14,8 @@ if(SCREENCAPTURE_SANITIZE)
     target_compile_options(screencapture_options INTERFACE ${sanitizers})
     target_link_options(screencapture_options INTERFACE ${sanitizers})
 endif()
+
+if(SCREENCAPTURE_BUILD_FUZZERS)
+    target_compile_options(screencapture_options INTERFACE -fsanitize=fuzzer-no-link)
+    target_compile_definitions(screencapture_options INTERFACE _GLIBCXX_ASSERTIONS)
+endif()

@@ -22,6 +22,8 @@ const KnownWarning kKnownWarnings[] = {
      "a window that the test closed was asked after by Qt's own event handling"},
     {"^This plugin does not support propagateSizeHints\\(\\)",
      "Qt's offscreen platform says so for every window with a fixed size"},
+    {"^QImage: out of memory, returning null image", "a test refuses the memory for it"},
+    {"^Falling back to using screens root_visual", "a display of 16 bits has no other"},
     {"^This plugin does not support raise\\(\\)", "Qt's offscreen platform has no stacking order"},
 };
 

@@ -126,7 +126,10 @@ void makeMosaicImage(QImage& dst, const QImage& src, int blockSize)
         return;
     Q_ASSERT(dst.size() == src.size() && dst.depth() == kDepthBits);
     if (src.depth() != kDepthBits) {
-        makeMosaicImage(dst, src.convertToFormat(QImage::Format_ARGB32), blockSize);
+        const QImage deep = src.convertToFormat(QImage::Format_ARGB32);
+        // Null without memory for it.
+        if (!deep.isNull())
+            makeMosaicImage(dst, deep, blockSize);
         return;
     }
     // A block larger than the picture is cut to it, so that no sum outgrows the picture either.

@@ -23,11 +23,21 @@ namespace
 {
 
 constexpr QColor kDim(0, 0, 0, 100);
+constexpr int kDepthBits = 32;
 constexpr int kMinRegionSidePx = 3;
 constexpr qreal kGrabWindowBorderPx = 4.0;
 constexpr QSize kGrabWindowInsetPx(4, 4);
 
 const char* const kSelectionColor = "#00aacc";
+
+// The mosaic works on 32 bits, which not every display has.
+QImage in32Bits(const QImage& image)
+{
+    if (image.isNull() || image.depth() == kDepthBits)
+        return image;
+    const QImage deep = image.convertToFormat(QImage::Format_RGB32);
+    return deep.isNull() ? image : deep;
+}
 
 } // namespace
 
@@ -58,6 +68,11 @@ ScreenCaptureWnd::ScreenCaptureWnd()
 ScreenCaptureWnd::~ScreenCaptureWnd()
 {
     s_screenCaptureWnd = nullptr;
+    // The dialog stands on the stack of save(), which closes it when it returns there.
+    if (auto* dialog = findChild<QFileDialog*>()) {
+        dialog->setParent(nullptr);
+        dialog->reject();
+    }
     delete m_desktopImage;
 }
 
@@ -82,16 +97,18 @@ void ScreenCaptureWnd::grabDesktop()
     const QPixmap grabbed =
         screen ? screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height())
                : QPixmap();
-    m_desktopImage = new QImage(grabbed.toImage());
+    m_desktopImage = new QImage(in32Bits(grabbed.toImage()));
     dimDesktop();
 }
 
-// Dimmed once, so that painting only copies.
+// Dimmed once, so that painting only copies; where there is no memory for it, painting dims.
 void ScreenCaptureWnd::dimDesktop()
 {
     if (m_desktopImage->isNull())
         return;
     m_dimmedImage = m_desktopImage->copy();
+    if (m_dimmedImage.isNull())
+        return;
     QPainter(&m_dimmedImage).fillRect(m_dimmedImage.rect(), kDim);
 }
 
@@ -148,7 +165,9 @@ QImage ScreenCaptureWnd::scribbledImage() const
     if (m_state != StateAnnotating)
         return captureImage();
     m_scribbleArea->completeScribble();
-    return m_scribbleArea->image();
+    const QImage annotated = m_scribbleArea->image();
+    // There was no memory for the canvas's picture when the tool was chosen; now there may be.
+    return annotated.isNull() ? captureImage() : annotated;
 }
 
 void ScreenCaptureWnd::reset()
@@ -202,9 +221,13 @@ void ScreenCaptureWnd::redo()
 
 void ScreenCaptureWnd::save()
 {
-    if (findChild<QFileDialog*>())
+    if (m_ended || findChild<QFileDialog*>())
         return;
+    const QPointer<ScreenCaptureWnd> alive(this);
     const QString name = askForFileName();
+    if (!alive)
+        return;
+    setAttribute(Qt::WA_DeleteOnClose);
     if (m_ended)
         deleteLater();
     if (m_ended || name.isEmpty())
@@ -214,17 +237,15 @@ void ScreenCaptureWnd::save()
 }
 
 // The host may end the capture while the dialog is open. The dialog is this window's child and
-// stands on the stack, so the window must not be deleted before it has returned.
+// stands on the stack, so the window does not delete itself before it has returned.
 QString ScreenCaptureWnd::askForFileName()
 {
     setAttribute(Qt::WA_DeleteOnClose, false);
     const QString suggested = QDir::currentPath() + QStringLiteral("/untitled");
     QString selected = tr("PNG (*.png)");
-    QString name = QFileDialog::getSaveFileName(this, tr("Save As"), suggested,
-                                                tr("PNG (*.png);;JPEG (*.jpg;*.jpeg);;BMP (*.bmp)"),
-                                                &selected);
-    setAttribute(Qt::WA_DeleteOnClose);
-    return name;
+    return QFileDialog::getSaveFileName(this, tr("Save As"), suggested,
+                                        tr("PNG (*.png);;JPEG (*.jpg;*.jpeg);;BMP (*.bmp)"),
+                                        &selected);
 }
 
 void ScreenCaptureWnd::onBtnSend()
@@ -242,26 +263,48 @@ bool ScreenCaptureWnd::beginEnd()
 
 void ScreenCaptureWnd::accept()
 {
-    if (!beginEnd())
-        return;
-    emit captureFinished(scribbledImage(), true);
-    QDialog::accept();
+    if (beginEnd())
+        deliver(scribbledImage(), true);
 }
 
 void ScreenCaptureWnd::reject()
 {
-    if (!beginEnd())
-        return;
-    emit captureFinished(QImage(), false);
-    QDialog::reject();
+    if (beginEnd())
+        deliver(QImage(), false);
+}
+
+// A host that connects directly may delete the window in its slot, or throw from it: nobody could
+// close an overlay that stayed open then.
+void ScreenCaptureWnd::deliver(const QImage& image, bool finished)
+{
+    const QPointer<ScreenCaptureWnd> alive(this);
+    try {
+        emit captureFinished(image, finished);
+    } catch (...) {
+        if (alive)
+            leave(finished);
+        throw;
+    }
+    if (alive)
+        leave(finished);
+}
+
+void ScreenCaptureWnd::leave(bool finished)
+{
+    if (finished)
+        QDialog::accept();
+    else
+        QDialog::reject();
 }
 
 bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
 {
     Q_ASSERT(event != NULL);
+    const QPointer<ScreenCaptureWnd> alive(this);
     if (watched == m_scribbleArea)
         watchCanvas(event->type());
-    return QDialog::eventFilter(watched, event);
+    // Where the host deleted the window, the canvas is gone too.
+    return alive ? QDialog::eventFilter(watched, event) : true;
 }
 
 // What can be redone is known when the canvas has handled the event.

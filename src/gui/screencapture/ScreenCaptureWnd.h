@@ -147,6 +147,8 @@ private:
     void watchCanvas(QEvent::Type type);
     QString askForFileName();
     bool beginEnd();
+    void deliver(const QImage& image, bool finished);
+    void leave(bool finished);
     void putCanvasAway();
     void updateMagnifier(const QPoint& pos);
     void updateMagnifierAtCursor();

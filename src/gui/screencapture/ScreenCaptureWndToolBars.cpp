@@ -429,7 +429,8 @@ void ScreenCaptureWnd::onPenColorChanged(QColor c)
 
 void ScreenCaptureWnd::onMosaicBlurChanged(int value)
 {
-    m_scribbleArea->setMosaicBlur(value);
+    if (m_scribbleArea)
+        m_scribbleArea->setMosaicBlur(value);
 }
 
 void ScreenCaptureWnd::updateRedoButton()

@@ -119,6 +119,8 @@ bool ScribbleArea::saveImage(const QString& fileName, const char* fileFormat)
 // Intended: no history entry.
 void ScribbleArea::clearImage()
 {
+    if (!makeWritable())
+        return;
     m_image.fill(qRgb(255, 255, 255));
     m_modified = true;
     update();
@@ -325,7 +327,7 @@ void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
 // A stroke of one point is a dot, which Qt draws as a point but not as a line without length.
 QRect ScribbleArea::drawLineTo(const QPoint& endPoint)
 {
-    if (!m_image.isNull()) {
+    if (!m_image.isNull() && makeWritable()) {
         QPainter painter(&m_image);
         painter.setPen(m_scribblePen);
         if (endPoint != m_lastPoint)
@@ -379,7 +381,7 @@ void ScribbleArea::finishResizableRect()
 
 void ScribbleArea::drawGraph()
 {
-    if (!m_image.isNull()) {
+    if (!m_image.isNull() && makeWritable()) {
         QPainter painter(&m_image);
         renderGraph(painter);
     }
@@ -507,7 +509,7 @@ bool ScribbleArea::drawText()
     const QPoint pos = m_textEdit->mapToParent(QPoint(0, 0));
     // Without focus no text cursor is drawn.
     m_textEdit->clearFocus();
-    if (!m_image.isNull()) {
+    if (!m_image.isNull() && makeWritable()) {
         QPainter painter(&m_image);
         m_textEdit->render(&painter, pos, QRegion(),
                            QWidget::DrawWindowBackground | QWidget::DrawChildren);
@@ -537,7 +539,8 @@ QRect ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
     // Intended: the bounds are the widget's, and the last column and row of the area are left out.
     const QPoint first(qMax(area.left(), 0), qMax(area.top(), 0));
     const QPoint last(qMin(area.right(), this->width()) - 1, qMin(area.bottom(), height()) - 1);
-    mosaic::copyWhereWhite(m_image, m_mosaicImage, m_mosaicTrack, QRect(first, last));
+    if (makeWritable())
+        mosaic::copyWhereWhite(m_image, m_mosaicImage, m_mosaicTrack, QRect(first, last));
     update(area);
     m_diffRect |= area;
     return area;
@@ -582,6 +585,19 @@ void ScribbleArea::setMosaicCursorRadius(int size)
     setCursor(QCursor(QPixmap::fromImage(circle), -1, -1));
 }
 
+// Drawing on a picture that somebody else holds as well takes a copy of it. Left to Qt, the picture
+// would be lost where there is no memory for one.
+bool ScribbleArea::makeWritable()
+{
+    if (m_image.isNull() || m_image.isDetached())
+        return true;
+    QImage own = m_image.copy();
+    if (own.isNull())
+        return false;
+    m_image.swap(own);
+    return true;
+}
+
 void ScribbleArea::initForDiff(const QPoint& pos)
 {
     m_diffImage = m_image;
@@ -589,7 +605,7 @@ void ScribbleArea::initForDiff(const QPoint& pos)
 }
 
 // An empty rectangle holds no pixels: a copy of it would be a copy of the whole picture.
-void ScribbleArea::saveDiffRect()
+ScribbleArea::DiffRect ScribbleArea::makeDiffRect() const
 {
     DiffRect entry;
     entry.position = m_diffRect.topLeft();
@@ -599,6 +615,18 @@ void ScribbleArea::saveDiffRect()
         QPainter painter(&entry.image);
         painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
         painter.drawImage(entry.image.rect(), m_image, m_diffRect);
+    }
+    return entry;
+}
+
+void ScribbleArea::saveDiffRect()
+{
+    const DiffRect entry = makeDiffRect();
+    // An edit that could not be undone would spoil what undoing the earlier ones restores.
+    if (entry.image.isNull() && !m_diffRect.isEmpty() && !m_diffImage.isNull()) {
+        m_image = m_diffImage;
+        update();
+        return;
     }
     m_diffRectStack.erase(m_diffRectStack.begin() + m_currentDiffIndex, m_diffRectStack.end());
     m_diffRectStack.append(entry);
@@ -621,7 +649,7 @@ void ScribbleArea::undo()
 {
     if (m_resizableRect->isVisible())
         finishResizableRect();
-    if (!canUndo())
+    if (!canUndo() || !makeWritable())
         return;
     if (m_textEdit && m_textEdit->isVisible()) {
         m_textEdit->hide();
@@ -633,7 +661,7 @@ void ScribbleArea::undo()
 
 void ScribbleArea::redo()
 {
-    if (!canRedo())
+    if (!canRedo() || !makeWritable())
         return;
     restoreDiffRect();
     ++m_currentDiffIndex;

@@ -38,7 +38,9 @@ struct ArrowAttribute {
 /// stay editable in their frame until they are committed: by a press outside the frame, a change of
 /// tool, undo(), saveImage() or completeScribble(). Every committed edit can be undone.
 ///
-/// Pictures are 32 bits deep and opaque: undo restores these exactly. GUI thread only.
+/// Pictures are 32 bits deep and opaque: undo restores these exactly. Where there is no memory for
+/// another picture, the one there is stays as it is: an edit is not drawn, or taken back when its
+/// history entry cannot be made, and undo() and redo() do nothing. GUI thread only.
 class ScribbleArea : public QWidget
 {
     Q_OBJECT
@@ -142,8 +144,10 @@ private:
     void startText();
     bool drawText();
 
+    bool makeWritable();
     void initForDiff(const QPoint& pos);
     void saveDiffRect();
+    DiffRect makeDiffRect() const;
     void restoreDiffRect();
     void clearDiffRect();
 

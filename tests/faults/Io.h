@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <csignal>
+#include <cstddef>
+#include <cstdint>
+#include <sys/resource.h>
+#include <sys/types.h>
+
+/// What goes wrong with reading, writing and opening files while one lives. Needs IoFaults.cpp in
+/// the program, and is for one thread.
+class IoFaults
+{
+public:
+    IoFaults();
+    ~IoFaults();
+    IoFaults(const IoFaults&) = delete;
+    IoFaults& operator=(const IoFaults&) = delete;
+
+    /// The most that one call reads or writes.
+    std::size_t mostBytes = SIZE_MAX;
+    /// How many calls of its kind succeed before all further ones fail; negative: all do.
+    int readsBeforeError = -1;
+    int writesBeforeError = -1;
+    int systemCopiesBeforeError = -1;
+    int closesBeforeError = -1;
+    /// The error of those calls.
+    int error = 0;
+    /// What opening a file for writing fails with.
+    int openForWritingError = 0;
+};
+
+/// The most that a file of this process may have.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit = {bytes, m_before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit m_before = {};
+    void (*m_handler)(int);
+};

@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: MIT
+#include "BehaviourTest.h"
+#include "CaptureProbe.h"
+#include "Desktop.h"
+#include "RealInput.h"
+#include "ScribbleArea.h"
+
+#include <QProcess>
+#include <QPushButton>
+
+namespace
+{
+
+const QRect kRegion(QPoint(100, 80), QPoint(399, 279));
+
+/// A program that manages the display while one lives.
+class Manager
+{
+public:
+    explicit Manager(const QString& program)
+    {
+        m_process.setStandardErrorFile(QProcess::nullDevice());
+        m_process.start(program, QStringList());
+    }
+    ~Manager()
+    {
+        m_process.terminate();
+        m_process.waitForFinished();
+    }
+    Manager(const Manager&) = delete;
+    Manager& operator=(const Manager&) = delete;
+    bool isRunning() { return m_process.waitForStarted(); }
+
+private:
+    QProcess m_process;
+};
+
+QByteArray outputOf(const QString& program, const QStringList& words)
+{
+    QProcess process;
+    process.start(program, words);
+    process.waitForFinished();
+    return process.readAllStandardOutput();
+}
+
+/// A picture as a display of 16 bits shows it.
+QImage asShown(const QImage& picture)
+{
+    if (QGuiApplication::primaryScreen()->depth() >= 24)
+        return picture.convertToFormat(QImage::Format_RGB32);
+    return picture.convertToFormat(QImage::Format_RGB16).convertToFormat(QImage::Format_RGB32);
+}
+
+} // namespace
+
+/// Whole captures on desktops of many kinds. SCREENCAPTURE_TEST_MANAGER names the program that
+/// manages the display: none, a window manager or a compositor.
+class tst_faults_desktops : public BehaviourTest
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void init();
+    void cleanup();
+    void overlayCoversTheDesktop();
+    void regionIsDelivered();
+    void annotationsAreDeliveredAndUndone();
+    void windowRaisedAboveDoesNoHarm();
+    void managerThatEndsInTheMiddle();
+
+private:
+    void startManager();
+
+    QScopedPointer<Manager> m_manager;
+    QScopedPointer<Desktop> m_desktop;
+    QScopedPointer<CaptureProbe> m_capture;
+    Receiver m_receiver;
+};
+
+void tst_faults_desktops::initTestCase()
+{
+    startManager();
+}
+
+void tst_faults_desktops::cleanupTestCase()
+{
+    m_manager.reset();
+}
+
+// A window manager gives an ordinary window another parent; a compositor makes a window of its
+// name.
+void tst_faults_desktops::startManager()
+{
+    const QString program = qEnvironmentVariable("SCREENCAPTURE_TEST_MANAGER");
+    if (program.isEmpty())
+        return;
+    m_manager.reset(new Manager(program));
+    QVERIFY(m_manager->isRunning());
+    if (program == "xcompmgr") {
+        QTRY_VERIFY_WITH_TIMEOUT(!outputOf("xdotool", {"search", "--name", "^xcompmgr$"}).isEmpty(),
+                                 20000);
+    } else {
+        QTRY_VERIFY_WITH_TIMEOUT(
+            outputOf("xwininfo", {"-root", "-events"}).contains("SubstructureRedirect"), 20000);
+    }
+}
+
+void tst_faults_desktops::init()
+{
+    BehaviourTest::init();
+    m_receiver.count = 0;
+    m_desktop.reset(new Desktop(11));
+    QVERIFY(QTest::qWaitForWindowExposed(m_desktop.data()));
+    QTRY_COMPARE(screenshot(), asShown(m_desktop->picture()));
+    m_capture.reset(new CaptureProbe);
+    m_capture->window()->connectTo(&m_receiver, SLOT(onCaptured(QImage, bool)));
+    m_capture->window()->showFullDesktop(true);
+    QVERIFY(QTest::qWaitForWindowExposed(m_capture->window()));
+}
+
+void tst_faults_desktops::cleanup()
+{
+    m_capture.reset();
+    m_desktop.reset();
+    BehaviourTest::cleanup();
+}
+
+void tst_faults_desktops::overlayCoversTheDesktop()
+{
+    QTRY_COMPARE(m_capture->window()->size(), screenRect().size());
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    const QRect inside = kRegion.adjusted(10, 10, -10, -10);
+    const QPoint moved = m_capture->window()->mapToGlobal(QPoint(0, 0));
+    QTRY_COMPARE(screenshot().copy(inside.translated(moved)),
+                 asShown(m_desktop->picture()).copy(inside));
+}
+
+void tst_faults_desktops::regionIsDelivered()
+{
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->window()->accept();
+    QTRY_COMPARE(m_receiver.count, 1);
+    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32),
+             asShown(m_desktop->picture()).copy(kRegion));
+    QTRY_VERIFY(m_capture->isGone());
+    QTRY_COMPARE(screenshot(), asShown(m_desktop->picture()));
+}
+
+void tst_faults_desktops::annotationsAreDeliveredAndUndone()
+{
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    const QList<QPushButton*> buttons = m_capture->toolBar()->findChildren<QPushButton*>();
+    const auto click = [&](const QString& toolTip) {
+        for (QPushButton* button : buttons) {
+            if (button->toolTip() == toolTip)
+                button->click();
+        }
+    };
+    for (const char* tool : {"scribble", "Rectangle", "Mosaic"}) {
+        click(tool);
+        auto* canvas = m_capture->window()->findChild<ScribbleArea*>();
+        const QImage before = canvas->image();
+        QTest::mousePress(canvas, Qt::LeftButton, {}, QPoint(50, 50));
+        QMouseEvent move(QEvent::MouseMove, QPoint(150, 120), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(canvas, &move);
+        QTest::mouseRelease(canvas, Qt::LeftButton, {}, QPoint(150, 120));
+        canvas->completeScribble();
+        QVERIFY2(canvas->image() != before, tool);
+        while (canvas->canUndo())
+            canvas->undo();
+        QVERIFY2(canvas->image() == before, tool);
+    }
+    m_capture->window()->onBtnSend();
+    QTRY_COMPARE(m_receiver.count, 1);
+    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32),
+             asShown(m_desktop->picture()).copy(kRegion));
+}
+
+// Not every window manager keeps the overlay on top.
+void tst_faults_desktops::windowRaisedAboveDoesNoHarm()
+{
+    QWidget other(nullptr, Qt::X11BypassWindowManagerHint);
+    other.setGeometry(kRegion.adjusted(20, 20, -20, -20));
+    other.show();
+    other.raise();
+    QVERIFY(QTest::qWaitForWindowExposed(&other));
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->window()->accept();
+    QTRY_COMPARE(m_receiver.count, 1);
+    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32),
+             asShown(m_desktop->picture()).copy(kRegion));
+}
+
+void tst_faults_desktops::managerThatEndsInTheMiddle()
+{
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_manager.reset();
+    QCoreApplication::processEvents();
+    QVERIFY(m_capture->window()->isVisible());
+    m_capture->window()->accept();
+    QTRY_COMPARE(m_receiver.count, 1);
+    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32),
+             asShown(m_desktop->picture()).copy(kRegion));
+    QTRY_VERIFY(m_capture->isGone());
+    startManager();
+}
+
+QTEST_MAIN(tst_faults_desktops)
+#include "tst_faults_desktops.moc"

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "BehaviourTest.h"
+#include "CaptureProbe.h"
+#include "Desktop.h"
+#include "RealInput.h"
+#include "ScribbleArea.h"
+
+#include <QPushButton>
+
+namespace
+{
+
+const QRect kRegion(QPoint(300, 200), QPoint(699, 499));
+
+void xrandr(const QStringList& words)
+{
+    QProcess process;
+    process.start("xrandr", words);
+    QVERIFY(process.waitForStarted());
+    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 20000);
+    QCOMPARE(process.exitCode(), 0);
+}
+
+const QStringList kSplit[] = {
+    {"--setmonitor", "left", "512/100x768/100+0+0", "screen"},
+    {"--setmonitor", "right", "512/100x768/100+512+0", "none"},
+};
+const QStringList kOff = {"--fb", "1024x768", "--output", "screen", "--off"};
+const QStringList kSmaller = {"--fb", "640x480"};
+const QStringList kUpright = {"--output", "screen", "--mode", "upright"};
+const QStringList kOn = {"--fb", "1024x768", "--output", "screen", "--mode", "1024x768"};
+
+} // namespace
+
+/// Screens that come, go and change while a capture runs: the picture was taken before, so the
+/// region is delivered as it was selected.
+class tst_faults_layout : public BehaviourTest
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void monitorsAreAddedAndRemoved();
+    void screenIsSwitchedOff();
+    void screenShrinks();
+    void screenTurnsUpright();
+    void screenChangesWhileAnnotating();
+    void captureWithoutAScreen();
+
+private:
+    void finish();
+
+    QScopedPointer<Desktop> m_desktop;
+    QScopedPointer<CaptureProbe> m_capture;
+    Receiver m_receiver;
+    QImage m_selected;
+};
+
+// The display cannot turn its screen, but it can have one that is higher than wide.
+void tst_faults_layout::initTestCase()
+{
+    xrandr({"--newmode", "upright", "25", "480", "500", "520", "540", "640", "650", "660", "670"});
+    xrandr({"--addmode", "screen", "upright"});
+}
+
+void tst_faults_layout::init()
+{
+    BehaviourTest::init();
+    m_receiver.count = 0;
+    m_receiver.image = QImage();
+    QTRY_COMPARE(screenRect().size(), QSize(1024, 768));
+    m_desktop.reset(new Desktop(13));
+    QVERIFY(QTest::qWaitForWindowExposed(m_desktop.data()));
+    QTRY_COMPARE(screenshot(), m_desktop->picture());
+    m_capture.reset(new CaptureProbe);
+    m_capture->window()->connectTo(&m_receiver, SLOT(onCaptured(QImage, bool)));
+    m_capture->window()->showFullDesktop(true);
+    QVERIFY(QTest::qWaitForWindowExposed(m_capture->window()));
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    QCOMPARE(m_capture->region()->rect(), kRegion);
+    m_selected = m_desktop->picture().copy(kRegion);
+}
+
+void tst_faults_layout::cleanup()
+{
+    m_capture.reset();
+    m_desktop.reset();
+    xrandr(kOn);
+    QTRY_COMPARE(QGuiApplication::screens().size(), 1);
+    QTRY_COMPARE(screenRect().size(), QSize(1024, 768));
+    BehaviourTest::cleanup();
+}
+
+void tst_faults_layout::finish()
+{
+    m_capture->window()->accept();
+    QTRY_COMPARE(m_receiver.count, 1);
+    QVERIFY(m_receiver.finished);
+    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32), m_selected);
+    QTRY_VERIFY(m_capture->isGone());
+}
+
+void tst_faults_layout::monitorsAreAddedAndRemoved()
+{
+    for (const QStringList& words : kSplit)
+        xrandr(words);
+    QCOMPARE(m_capture->region()->rect(), kRegion);
+    xrandr({"--delmonitor", "right"});
+    xrandr({"--delmonitor", "left"});
+    QCOMPARE(m_capture->region()->rect(), kRegion);
+    finish();
+}
+
+void tst_faults_layout::screenIsSwitchedOff()
+{
+    xrandr(kOff);
+    QCoreApplication::processEvents();
+    finish();
+}
+
+void tst_faults_layout::screenShrinks()
+{
+    xrandr(kOff);
+    xrandr(kSmaller);
+    QCoreApplication::processEvents();
+    finish();
+}
+
+void tst_faults_layout::screenTurnsUpright()
+{
+    xrandr(kUpright);
+    QTRY_COMPARE(screenRect().size(), QSize(480, 640));
+    finish();
+}
+
+void tst_faults_layout::screenChangesWhileAnnotating()
+{
+    m_capture->toolBar()->findChild<QPushButton*>()->click();
+    auto* canvas = m_capture->window()->findChild<ScribbleArea*>();
+    QTest::mousePress(canvas, Qt::LeftButton, {}, QPoint(50, 50));
+    xrandr(kOff);
+    xrandr(kSmaller);
+    QTest::mouseRelease(canvas, Qt::LeftButton, {}, QPoint(90, 90));
+    xrandr(kOn);
+    QTRY_COMPARE(screenRect().size(), QSize(1024, 768));
+    m_selected = canvas->image().convertToFormat(QImage::Format_RGB32);
+    QVERIFY(m_selected != m_desktop->picture().copy(kRegion));
+    finish();
+}
+
+void tst_faults_layout::captureWithoutAScreen()
+{
+    finish();
+    xrandr(kOff);
+    QCoreApplication::processEvents();
+    m_receiver.count = 0;
+    m_capture.reset(new CaptureProbe);
+    m_capture->window()->connectTo(&m_receiver, SLOT(onCaptured(QImage, bool)));
+    m_capture->window()->showFullDesktop(true);
+    m_capture->drag(QPoint(10, 10), QPoint(60, 60));
+    m_capture->window()->reject();
+    QTRY_COMPARE(m_receiver.count, 1);
+    QVERIFY(!m_receiver.finished);
+}
+
+QTEST_MAIN(tst_faults_layout)
+#include "tst_faults_layout.moc"

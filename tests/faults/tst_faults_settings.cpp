@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include "BehaviourTest.h"
+#include "Files.h"
+#include "Io.h"
+#include "ScreenCaptureTool.h"
+
+#include <QtTest>
+#include <cerrno>
+
+namespace
+{
+
+const std::string kBefore = "[pen_color]\nrectColor=4278190335\n";
+
+ScreenCaptureToolColors allOf(const QColor& color)
+{
+    return {color, color, color, color, color};
+}
+
+ScreenCaptureToolColors colorsNow()
+{
+    ScreenCaptureToolColors colors;
+    ScreenCaptureTool::penColor(colors);
+    return colors;
+}
+
+void initIn(const std::string& directory)
+{
+    ScreenCaptureTool::init(QString::fromStdString(directory));
+}
+
+} // namespace
+
+/// Pen colours where the settings cannot be written: they hold for the life of the process, and the
+/// file keeps what it had.
+class tst_faults_settings : public BehaviourTest
+{
+    Q_OBJECT
+
+private slots:
+    void fileSizeLimitKeepsFileAndColors();
+    void failedWriteKeepsFileAndColors_data();
+    void failedWriteKeepsFileAndColors();
+    void shortReadsAndWrites();
+    void readOnlyFileSystem_data();
+    void readOnlyFileSystem();
+    void directoryBelowAPlainFile();
+    void vanishedDirectory();
+};
+
+void tst_faults_settings::fileSizeLimitKeepsFileAndColors()
+{
+    const Scratch scratch;
+    writeFile(scratch.path("screencapture.ini"), kBefore);
+    initIn(scratch.path());
+    {
+        const FileSizeLimit limit(0);
+        ScreenCaptureTool::setPenColor(allOf(Qt::green));
+    }
+    QCOMPARE(colorsNow().rectColor, QColor(Qt::green));
+    QCOMPARE(readFile(scratch.path("screencapture.ini")), kBefore);
+
+    // Once there is room the next colour is written.
+    ScreenCaptureTool::setPenColor(allOf(Qt::yellow));
+    initIn(scratch.path());
+    QCOMPARE(colorsNow().arrowColor, QColor(Qt::yellow));
+    QVERIFY(readFile(scratch.path("screencapture.ini")).find("4294967040") != std::string::npos);
+}
+
+void tst_faults_settings::failedWriteKeepsFileAndColors_data()
+{
+    QTest::addColumn<int>("writesBefore");
+    QTest::addColumn<int>("error");
+    QTest::newRow("disk full at once") << 0 << ENOSPC;
+    QTest::newRow("disk full at the second write") << 1 << ENOSPC;
+    QTest::newRow("input and output") << 1 << EIO;
+}
+
+void tst_faults_settings::failedWriteKeepsFileAndColors()
+{
+    QFETCH(int, writesBefore);
+    QFETCH(int, error);
+    const Scratch scratch;
+    writeFile(scratch.path("screencapture.ini"), kBefore);
+    initIn(scratch.path());
+    {
+        IoFaults faults;
+        faults.error = error;
+        faults.writesBeforeError = writesBefore;
+        ScreenCaptureTool::setPenColor(allOf(Qt::green));
+    }
+    QCOMPARE(colorsNow().rectColor, QColor(Qt::green));
+    QCOMPARE(readFile(scratch.path("screencapture.ini")), kBefore);
+}
+
+void tst_faults_settings::shortReadsAndWrites()
+{
+    const Scratch scratch;
+    IoFaults faults;
+    faults.mostBytes = 3;
+    initIn(scratch.path());
+    ScreenCaptureTool::setPenColor(allOf(Qt::green));
+    ScreenCaptureTool::setPenColor(allOf(Qt::cyan));
+    initIn(scratch.path());
+    QCOMPARE(colorsNow().rectColor, QColor(Qt::cyan));
+}
+
+void tst_faults_settings::readOnlyFileSystem_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("read-only file system") << EROFS;
+    QTest::newRow("no permission") << EACCES;
+}
+
+void tst_faults_settings::readOnlyFileSystem()
+{
+    QFETCH(int, error);
+    const Scratch scratch;
+    writeFile(scratch.path("screencapture.ini"), kBefore);
+    {
+        IoFaults faults;
+        faults.openForWritingError = error;
+        initIn(scratch.path());
+        QCOMPARE(colorsNow().rectColor, QColor(Qt::blue));
+        ScreenCaptureTool::setPenColor(allOf(Qt::green));
+    }
+    QCOMPARE(colorsNow().rectColor, QColor(Qt::green));
+    QCOMPARE(readFile(scratch.path("screencapture.ini")), kBefore);
+}
+
+void tst_faults_settings::directoryBelowAPlainFile()
+{
+    const Scratch scratch;
+    writeFile(scratch.path("file"), "text");
+    ScreenCaptureTool::setPenColor(allOf(Qt::red));
+    initIn(scratch.path("file"));
+    QCOMPARE(colorsNow().rectColor, QColor(Qt::red));
+    ScreenCaptureTool::setPenColor(allOf(Qt::green));
+    QCOMPARE(colorsNow().rectColor, QColor(Qt::green));
+    QCOMPARE(readFile(scratch.path("file")), std::string("text"));
+}
+
+void tst_faults_settings::vanishedDirectory()
+{
+    std::string directory;
+    {
+        const Scratch scratch;
+        directory = scratch.path();
+        writeFile(scratch.path("screencapture.ini"), kBefore);
+        initIn(directory);
+    }
+    ScreenCaptureTool::setPenColor(allOf(Qt::green));
+    QCOMPARE(colorsNow().rectColor, QColor(Qt::green));
+    std::error_code ec;
+    std::filesystem::remove_all(directory, ec);
+}
+
+QTEST_GUILESS_MAIN(tst_faults_settings)
+#include "tst_faults_settings.moc"

@@ -1,0 +1,455 @@
+// SPDX-License-Identifier: MIT
+#include "BehaviourTest.h"
+#include "CaptureProbe.h"
+#include "ScribbleArea.h"
+
+#include <QEventLoop>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <functional>
+#include <stdexcept>
+
+struct ScreenCaptureWndAccess {
+    static void setDesktop(ScreenCaptureWnd* window, const QImage& desktop)
+    {
+        *window->m_desktopImage = desktop;
+    }
+};
+
+namespace
+{
+
+const QRect kRegion(QPoint(20, 20), QPoint(219, 169));
+constexpr QPoint kOutside(400, 300);
+
+QImage desktopPicture()
+{
+    QImage picture(800, 600, QImage::Format_RGB32);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            picture.setPixel(x, y, qRgb(x % 256, y % 256, (x + y) % 256));
+    }
+    return picture;
+}
+
+/// An application that survives what its slots throw.
+class CatchingApplication : public QApplication
+{
+public:
+    using QApplication::QApplication;
+    int caught = 0;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const std::runtime_error&) {
+            ++caught;
+            return false;
+        }
+    }
+};
+
+int& caught()
+{
+    return static_cast<CatchingApplication*>(qApp)->caught;
+}
+
+enum Ending { Accept, DoneButton, DoubleClick, DoubleClickOnTheCanvas, Reject, Escape, Close };
+
+enum Call { CallAccept, CallReject, CallUndo, CallRedo, CallReset, CallSave, CallHide, CallDelete };
+
+} // namespace
+Q_DECLARE_METATYPE(Ending)
+Q_DECLARE_METATYPE(Call)
+
+/// A receiver that does something of its own when the result arrives.
+class OddReceiver : public Receiver
+{
+    Q_OBJECT
+
+public:
+    std::function<void()> then;
+
+public slots:
+    void onFinished(const QImage& picture, bool done)
+    {
+        onCaptured(picture, done);
+        if (then)
+            then();
+    }
+};
+
+/// Hosts that do in the middle, at the end, or at the beginning of a capture what hosts should not.
+class tst_ScreenCaptureWnd_odd_hosts : public BehaviourTest
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void quitsInItsSlot();
+    void quitsWhileTheSaveDialogIsOpen();
+    void throwsFromItsSlot_data();
+    void throwsFromItsSlot();
+    void deletesItsReceiverInItsSlot();
+    void deletesTheWindowInItsSlot_data();
+    void deletesTheWindowInItsSlot();
+    void deletesTheWindowInTheMiddle();
+    void runsAnEventLoopInItsSlot();
+    void asksForTheNextCaptureInItsSlot();
+    void endsTheCaptureInItsSlotAgain();
+    void callsWhileTheSaveDialogIsOpen_data();
+    void callsWhileTheSaveDialogIsOpen();
+    void callsSlotsBeforeThereIsARegion();
+
+private:
+    void annotate();
+    void end(Ending ending);
+    void endings();
+    /// Runs when the "Save As" dialog is open, with it.
+    void whenSaving(const std::function<void(QFileDialog*)>& function);
+
+    QScopedPointer<CaptureProbe> m_capture;
+    QScopedPointer<OddReceiver> m_receiver;
+    QImage m_selected;
+};
+
+void tst_ScreenCaptureWnd_odd_hosts::init()
+{
+    BehaviourTest::init();
+    caught() = 0;
+    m_receiver.reset(new OddReceiver);
+    m_capture.reset(new CaptureProbe);
+    m_capture->window()->connectTo(m_receiver.data(), SLOT(onFinished(QImage, bool)));
+    m_capture->window()->showFullDesktop(true);
+    ScreenCaptureWndAccess::setDesktop(m_capture->window(), desktopPicture());
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_selected = desktopPicture().copy(kRegion);
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::cleanup()
+{
+    m_capture.reset();
+    m_receiver.reset();
+    BehaviourTest::cleanup();
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::annotate()
+{
+    m_capture->toolBar()->findChild<QPushButton*>()->click();
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::end(Ending ending)
+{
+    ScreenCaptureWnd* window = m_capture->window();
+    switch (ending) {
+    case Accept:
+        QTimer::singleShot(0, window, SLOT(accept()));
+        break;
+    case DoneButton:
+        QTest::mouseClick(m_capture->toolBar()->findChildren<QPushButton*>().last(),
+                          Qt::LeftButton);
+        break;
+    case DoubleClick:
+        m_capture->doubleClick(kOutside);
+        break;
+    case DoubleClickOnTheCanvas:
+        annotate();
+        QTest::mouseDClick(window->findChild<ScribbleArea*>(), Qt::LeftButton);
+        break;
+    case Reject:
+        QTimer::singleShot(0, window, SLOT(reject()));
+        break;
+    case Escape:
+        QTest::keyClick(window, Qt::Key_Escape);
+        break;
+    case Close:
+        window->close();
+        break;
+    }
+    QCoreApplication::processEvents();
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::endings()
+{
+    QTest::addColumn<Ending>("ending");
+    QTest::addColumn<bool>("direct");
+    const struct {
+        const char* name;
+        Ending ending;
+    } rows[] = {{"accept()", Accept},
+                {"done button", DoneButton},
+                {"double-click", DoubleClick},
+                {"double-click on the canvas", DoubleClickOnTheCanvas},
+                {"reject()", Reject},
+                {"Escape", Escape},
+                {"closed", Close}};
+    for (const auto& row : rows) {
+        QTest::addRow("%s, queued", row.name) << row.ending << false;
+        QTest::addRow("%s, connected directly", row.name) << row.ending << true;
+    }
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::whenSaving(const std::function<void(QFileDialog*)>& function)
+{
+    QTimer::singleShot(0, qApp, [function] {
+        function(qobject_cast<QFileDialog*>(QApplication::activeModalWidget()));
+    });
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::quitsInItsSlot()
+{
+    m_receiver->then = [] { QCoreApplication::quit(); };
+    QTimer::singleShot(0, m_capture->window(), SLOT(accept()));
+    QCOMPARE(QApplication::exec(), 0);
+    QVERIFY(m_capture->isGone());
+    QCOMPARE(m_receiver->count, 1);
+    QCOMPARE(m_receiver->image, m_selected);
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::quitsWhileTheSaveDialogIsOpen()
+{
+    whenSaving([](QFileDialog*) { QCoreApplication::quit(); });
+    QTimer::singleShot(0, m_capture->window(), SLOT(save()));
+    QCOMPARE(QApplication::exec(), 0);
+    QVERIFY(m_capture->isGone());
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::throwsFromItsSlot_data()
+{
+    endings();
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::throwsFromItsSlot()
+{
+    QFETCH(Ending, ending);
+    QFETCH(bool, direct);
+    // Qt's buttons, keys and event filters are built without exceptions: they leak their guards
+    // when one passes through them.
+    if (direct && (ending == DoneButton || ending == Escape || ending == DoubleClickOnTheCanvas))
+        return;
+    m_receiver->then = [] { throw std::runtime_error("the host's own"); };
+    if (direct) {
+        m_capture->window()->connectTo(nullptr, nullptr);
+        connect(m_capture->window(), SIGNAL(captureFinished(QImage, bool)), m_receiver.data(),
+                SLOT(onFinished(QImage, bool)));
+    }
+    end(ending);
+    deliver();
+    QCOMPARE(caught(), 1);
+    QCOMPARE(m_receiver->count, 1);
+    QVERIFY(m_capture->isGone());
+    CaptureProbe next;
+    QVERIFY(next.window());
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::deletesItsReceiverInItsSlot()
+{
+    const QPointer<OddReceiver> receiver = m_receiver.take();
+    int delivered = 0;
+    receiver->then = [&] {
+        ++delivered;
+        delete receiver;
+    };
+    m_capture->window()->accept();
+    deliver();
+    QCOMPARE(delivered, 1);
+    QVERIFY(receiver.isNull());
+    QVERIFY(m_capture->isGone());
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::deletesTheWindowInItsSlot_data()
+{
+    endings();
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::deletesTheWindowInItsSlot()
+{
+    QFETCH(Ending, ending);
+    QFETCH(bool, direct);
+    m_receiver->then = [&] { delete m_capture->window(); };
+    if (direct) {
+        m_capture->window()->connectTo(nullptr, nullptr);
+        connect(m_capture->window(), SIGNAL(captureFinished(QImage, bool)), m_receiver.data(),
+                SLOT(onFinished(QImage, bool)));
+    }
+    end(ending);
+    deliver();
+    QVERIFY(m_capture->isGone());
+    QCOMPARE(m_receiver->count, 1);
+    CaptureProbe next;
+    QVERIFY(next.window());
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::deletesTheWindowInTheMiddle()
+{
+    annotate();
+    auto* canvas = m_capture->window()->findChild<ScribbleArea*>();
+    QTest::mousePress(canvas, Qt::LeftButton, {}, QPoint(20, 20));
+    delete m_capture->window();
+    deliver();
+    QVERIFY(m_capture->isGone());
+    QCOMPARE(m_receiver->count, 0);
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::runsAnEventLoopInItsSlot()
+{
+    int rounds = 0;
+    m_receiver->then = [&] {
+        QEventLoop loop;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, &loop, [&] {
+            if (++rounds == 3)
+                loop.quit();
+        });
+        timer.start(0);
+        loop.exec();
+    };
+    m_capture->window()->accept();
+    QTRY_VERIFY(m_capture->isGone());
+    QCOMPARE(rounds, 3);
+    QCOMPARE(m_receiver->count, 1);
+    QCOMPARE(m_receiver->image, m_selected);
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::asksForTheNextCaptureInItsSlot()
+{
+    const QPointer<ScreenCaptureWnd> ended = m_capture->window();
+    // A loop as a host has it: the one of the tests deletes windows out of turn.
+    QEventLoop loop;
+    bool sameInTheSlot = false;
+    QPointer<ScreenCaptureWnd> next;
+    m_receiver->then = [&] {
+        sameInTheSlot = ScreenCaptureWnd::screenCaptureWnd() == ended;
+        QTimer::singleShot(0, qApp, [&] {
+            next = ScreenCaptureWnd::screenCaptureWnd();
+            loop.quit();
+        });
+    };
+    QTimer::singleShot(0, ended.data(), SLOT(accept()));
+    loop.exec();
+    QVERIFY(next);
+    QVERIFY(sameInTheSlot);
+    QVERIFY(ended.isNull());
+    QCOMPARE(m_receiver->count, 1);
+    delete next;
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::endsTheCaptureInItsSlotAgain()
+{
+    connect(m_capture->window(), SIGNAL(captureFinished(QImage, bool)), m_capture->window(),
+            SLOT(reject()));
+    m_receiver->then = [&] {
+        m_capture->window()->accept();
+        m_capture->window()->reject();
+        m_capture->window()->save();
+        m_capture->window()->undo();
+        QVERIFY(!QApplication::activeModalWidget());
+    };
+    m_capture->window()->accept();
+    QTRY_VERIFY(m_capture->isGone());
+    QCOMPARE(m_receiver->count, 1);
+    QVERIFY(m_receiver->finished);
+    QCOMPARE(m_receiver->image, m_selected);
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::callsWhileTheSaveDialogIsOpen_data()
+{
+    QTest::addColumn<Call>("call");
+    QTest::addColumn<int>("results");
+    QTest::addColumn<bool>("saved");
+    QTest::newRow("accept()") << CallAccept << 1 << false;
+    QTest::newRow("reject()") << CallReject << 1 << false;
+    QTest::newRow("undo()") << CallUndo << 0 << false;
+    QTest::newRow("redo()") << CallRedo << 0 << true;
+    QTest::newRow("reset()") << CallReset << 0 << false;
+    QTest::newRow("save()") << CallSave << 0 << true;
+    QTest::newRow("hide()") << CallHide << 0 << true;
+    QTest::newRow("deletes the window") << CallDelete << 0 << false;
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::callsWhileTheSaveDialogIsOpen()
+{
+    QFETCH(Call, call);
+    QFETCH(int, results);
+    QFETCH(bool, saved);
+    const QTemporaryDir directory;
+    const QString name = directory.filePath("picture.png");
+    const auto call_ = [&](ScreenCaptureWnd* window) {
+        switch (call) {
+        case CallAccept:
+            return window->accept();
+        case CallReject:
+            return window->reject();
+        case CallUndo:
+            return window->undo();
+        case CallRedo:
+            return window->redo();
+        case CallReset:
+            return window->reset();
+        case CallSave:
+            return window->save();
+        case CallHide:
+            return window->hide();
+        case CallDelete:
+            delete window;
+        }
+    };
+    whenSaving([&](QFileDialog* opened) {
+        const QPointer<QFileDialog> dialog(opened);
+        call_(m_capture->window());
+        QVERIFY(dialog);
+        dialog->findChild<QLineEdit*>()->setText(name);
+        if (dialog->isVisible())
+            static_cast<QDialog*>(dialog)->accept();
+    });
+    m_capture->window()->save();
+    deliver();
+    QCOMPARE(m_receiver->count, results);
+    QCOMPARE(QImage(name).convertToFormat(QImage::Format_RGB32) == m_selected, saved);
+    QCOMPARE(m_capture->isGone(), call == CallAccept || call == CallReject || call == CallDelete);
+    if (call == CallAccept)
+        QCOMPARE(m_receiver->image, m_selected);
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::callsSlotsBeforeThereIsARegion()
+{
+    ScreenCaptureWnd* window = m_capture->window();
+    window->reset();
+    window->undo();
+    window->redo();
+    window->onCaptureRectChanged(QRect(1, 2, 3, 4));
+    window->onPaintTypeChanged();
+    window->onMosaicBlurChanged(7);
+#ifdef QT_NO_DEBUG
+    // What asserts that there is a canvas does nothing where assertions are off.
+    window->onFontSizeChanged("12");
+    window->onPenWidthChanged(7);
+#endif
+    const QTemporaryDir directory;
+    const QString name = directory.filePath("picture.png");
+    whenSaving([&](QFileDialog* dialog) {
+        dialog->findChild<QLineEdit*>()->setText(name);
+        static_cast<QDialog*>(dialog)->accept();
+    });
+    window->save();
+    QVERIFY(!QFile::exists(name));
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    window->onBtnSend();
+    deliver();
+    QCOMPARE(m_receiver->count, 1);
+    QCOMPARE(m_receiver->image, m_selected);
+}
+
+int main(int argc, char** argv)
+{
+    CatchingApplication app(argc, argv);
+    tst_ScreenCaptureWnd_odd_hosts test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_ScreenCaptureWnd_odd_hosts.moc"
