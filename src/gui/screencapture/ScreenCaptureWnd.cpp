@@ -189,7 +189,7 @@ void ScreenCaptureWnd::redo()
 
 void ScreenCaptureWnd::save()
 {
-    if (findChild<QFileDialog*>())
+    if (m_ended || findChild<QFileDialog*>())
         return;
     const QString name = askForFileName();
     if (m_ended)
