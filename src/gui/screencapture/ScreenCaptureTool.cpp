@@ -3,6 +3,8 @@
 
 #include "myfs.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSettings>
 #include <QVariant>
 
@@ -23,6 +25,13 @@ const QColor kDefaultTextColor(0, 0, 0, 255);
 
 ScreenCaptureToolHelper s_Helper;
 
+// Qt would make a directory that is missing, which is the application's to make.
+bool hasPlaceForSettings()
+{
+    const QString& file = s_Helper.m_iniPath;
+    return !file.isEmpty() && QFileInfo(file).dir().exists();
+}
+
 } // namespace
 
 ScreenCaptureToolHelper::ScreenCaptureToolHelper()
@@ -40,9 +49,12 @@ void ScreenCaptureTool::init(const QString& dir)
 
     QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
     settings.beginGroup(kColorGroup);
-    // Intended: every entry is loaded, and one that is no number is a transparent black.
-    for (const QString& key : settings.allKeys())
-        s_Helper.m_penColors[key] = QColor::fromRgba(settings.value(key, QVariant()).toUInt());
+    // Intended: every entry is loaded, and one that is no number is a transparent black. Only an
+    // entry without a name is left out, which Qt would warn of.
+    for (const QString& key : settings.allKeys()) {
+        if (!key.isEmpty())
+            s_Helper.m_penColors[key] = QColor::fromRgba(settings.value(key, QVariant()).toUInt());
+    }
     settings.endGroup();
 }
 
@@ -61,7 +73,7 @@ void ScreenCaptureTool::setPenColor(const ScreenCaptureToolColors& colors)
     s_Helper.m_penColors[kEllipse] = colors.ellipseColor;
     s_Helper.m_penColors[kArrow] = colors.arrowColor;
     s_Helper.m_penColors[kText] = colors.textColor;
-    if (s_Helper.m_iniPath.isEmpty())
+    if (!hasPlaceForSettings())
         return;
 
     // Intended: the text colour lives in memory only.

@@ -47,6 +47,9 @@ ScreenCaptureWnd::ScreenCaptureWnd()
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_DeleteOnClose);
     setMouseTracking(true);
+    // Keys come here, and not to a button of a hidden tool bar, until a visible widget has the
+    // focus.
+    setFocusPolicy(Qt::TabFocus);
     // Nobody else deletes the window of a capture in whose middle the application ends.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &QObject::deleteLater);
     init();
