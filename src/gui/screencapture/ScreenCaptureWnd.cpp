@@ -22,7 +22,7 @@
 namespace
 {
 
-constexpr int kDimAlpha = 100;
+constexpr QColor kDim(0, 0, 0, 100);
 constexpr int kMinRegionSidePx = 3;
 constexpr qreal kGrabWindowBorderPx = 4.0;
 constexpr QSize kGrabWindowInsetPx(4, 4);
@@ -83,6 +83,16 @@ void ScreenCaptureWnd::grabDesktop()
         screen ? screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height())
                : QPixmap();
     m_desktopImage = new QImage(grabbed.toImage());
+    dimDesktop();
+}
+
+// Dimmed once, so that painting only copies.
+void ScreenCaptureWnd::dimDesktop()
+{
+    if (m_desktopImage->isNull())
+        return;
+    m_dimmedImage = m_desktopImage->copy();
+    QPainter(&m_dimmedImage).fillRect(m_dimmedImage.rect(), kDim);
 }
 
 void ScreenCaptureWnd::initCaptureRect()
@@ -399,21 +409,45 @@ void ScreenCaptureWnd::paintEvent(QPaintEvent* event)
         paintGrabWindow(painter);
 }
 
+// What the region covers is left to it, so that each pixel is painted once.
 void ScreenCaptureWnd::paintDesktop(QPainter& painter, const QRegion& changed) const
 {
-    const QColor dim(0, 0, 0, kDimAlpha);
-    for (const QRect& area : changed) {
-        painter.setClipRect(area);
-        painter.drawImage(0, 0, *m_desktopImage);
-        painter.fillRect(area, dim);
+    for (const QRect& area : changed - coveredByRegion())
+        paintDimmed(painter, area);
+}
+
+QRect ScreenCaptureWnd::coveredByRegion() const
+{
+    const QRect region = m_rectCapture->rect();
+    if (!m_rectCapture->isVisible() || region.isEmpty())
+        return {};
+    const QRect picture = isCanvasVisible()
+                              ? QRect(region.topLeft(), m_scribbleArea->image().size())
+                              : m_desktopImage->rect();
+    return picture.contains(region & rect()) ? region : QRect();
+}
+
+bool ScreenCaptureWnd::isCanvasVisible() const
+{
+    return m_scribbleArea && m_scribbleArea->isVisible();
+}
+
+void ScreenCaptureWnd::paintDimmed(QPainter& painter, const QRect& area) const
+{
+    if (m_dimmedImage.devicePixelRatio() == 1 && m_dimmedImage.rect().contains(area)) {
+        painter.drawImage(area.topLeft(), m_dimmedImage, area);
+        return;
     }
+    painter.setClipRect(area);
+    painter.drawImage(0, 0, *m_desktopImage);
+    painter.fillRect(area, kDim);
     painter.setClipping(false);
 }
 
 void ScreenCaptureWnd::paintRegion(QPainter& painter)
 {
     const QRect region = m_rectCapture->rect();
-    if (m_scribbleArea && m_scribbleArea->isVisible())
+    if (isCanvasVisible())
         painter.drawImage(region.topLeft(), m_scribbleArea->image());
     else
         paintUndimmed(painter, region);

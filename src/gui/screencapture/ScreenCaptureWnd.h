@@ -119,6 +119,7 @@ private:
 
     void init();
     void grabDesktop();
+    void dimDesktop();
     void initCaptureRect();
     void initMagnifier();
     void initToolBars();
@@ -159,6 +160,9 @@ private:
     void releaseRightButton(const QPoint& pos);
 
     void paintDesktop(QPainter& painter, const QRegion& changed) const;
+    void paintDimmed(QPainter& painter, const QRect& area) const;
+    QRect coveredByRegion() const;
+    bool isCanvasVisible() const;
     void paintRegion(QPainter& painter);
     void paintUndimmed(QPainter& painter, const QRect& region) const;
     void paintGrabWindow(QPainter& painter);
@@ -168,6 +172,7 @@ private:
     QPointer<QObject> m_receiver;
     const char* m_member = nullptr;
     QImage* m_desktopImage = nullptr;
+    QImage m_dimmedImage;
     ResizableRect* m_rectCapture = nullptr;
     int m_state = StateIdle;
     QPoint m_pressPos;

@@ -116,6 +116,10 @@ QWidget* ScreenCaptureWnd::createToolBar(const QString& name, const QMargins& ma
     bar->setAttribute(Qt::WA_NoMousePropagation);
     bar->installEventFilter(this);
     bar->hide();
+    // What the style sheet paints is opaque; told so, Qt moves the bar's pixels instead of painting
+    // them anew. A style sheet takes this back when it is applied, so it comes first.
+    bar->ensurePolished();
+    bar->setAutoFillBackground(true);
     (new QHBoxLayout(bar))->setContentsMargins(margins);
     return bar;
 }

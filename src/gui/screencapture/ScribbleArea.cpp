@@ -253,17 +253,27 @@ void ScribbleArea::mouseMoveEvent(QMouseEvent* event)
 {
     if (!(event->buttons() & Qt::LeftButton))
         return;
+    QRect changed;
     if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
-        drawLineTo(event->pos());
+        changed = drawLineTo(event->pos());
     } else if (m_paintType == PAINT_MOSAIC && m_mosaicking) {
-        drawMosaic(m_lastPoint, event->pos(), m_mosaicPenWidth);
+        changed = drawMosaic(m_lastPoint, event->pos(), m_mosaicPenWidth);
         m_lastPoint = event->pos();
     } else if (m_paintType == PAINT_TEXT || m_paintType == PAINT_GRAPH) {
         dragFrame(event->pos());
+        changed = m_resizableRect->occupiedRect();
     }
-    // The parent paints the picture.
-    if (parentWidget())
-        parentWidget()->update();
+    repaintParent(changed);
+}
+
+// The parent paints the picture. All of it is asked for, and follows when nothing else waits; what
+// changed is on the screen before that, so that the line keeps up with the pointer.
+void ScribbleArea::repaintParent(const QRect& changed)
+{
+    if (!parentWidget())
+        return;
+    parentWidget()->repaint(changed.translated(pos()));
+    parentWidget()->update();
 }
 
 void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
@@ -288,7 +298,7 @@ void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
 }
 
 // A stroke of one point is a dot, which Qt draws as a point but not as a line without length.
-void ScribbleArea::drawLineTo(const QPoint& endPoint)
+QRect ScribbleArea::drawLineTo(const QPoint& endPoint)
 {
     if (!m_image.isNull()) {
         QPainter painter(&m_image);
@@ -305,6 +315,7 @@ void ScribbleArea::drawLineTo(const QPoint& endPoint)
     update(area);
     m_lastPoint = endPoint;
     m_diffRect |= area;
+    return area;
 }
 
 void ScribbleArea::dragFrame(const QPoint& pos)
@@ -482,7 +493,7 @@ bool ScribbleArea::drawText()
     return true;
 }
 
-void ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
+QRect ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
 {
     const QRect area = strokeArea(from, to, width);
     if (!m_mosaicTrack.isNull()) {
@@ -504,6 +515,7 @@ void ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
     mosaic::copyWhereWhite(m_image, m_mosaicImage, m_mosaicTrack, QRect(first, last));
     update(area);
     m_diffRect |= area;
+    return area;
 }
 
 void ScribbleArea::updateMosaicImage()

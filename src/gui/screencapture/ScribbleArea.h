@@ -120,8 +120,10 @@ private:
     /// Tests look at the history through this.
     friend struct ScribbleAreaAccess;
 
-    void drawLineTo(const QPoint& endPoint);
-    void drawMosaic(const QPoint& from, const QPoint& to, int width);
+    /// These two return the area whose pixels may have changed.
+    QRect drawLineTo(const QPoint& endPoint);
+    QRect drawMosaic(const QPoint& from, const QPoint& to, int width);
+    void repaintParent(const QRect& changed);
     void updateMosaicImage();
     void resetMosaicTrack();
     void setMosaicCursorRadius(int size);
