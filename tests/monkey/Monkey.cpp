@@ -38,7 +38,7 @@ constexpr int kNearPx = 6;
 constexpr int kPopupSidePx = 60;
 constexpr int kBlockedMs = 100;
 constexpr quint32 kSeedStep = 2654435761u;
-// Of a short play so many of the last events are printed.
+// How many of the last events are told.
 constexpr int kTold = 30;
 
 QString told(QEvent::Type type, const QPoint& pos, Qt::MouseButton button)
@@ -87,10 +87,11 @@ auto Monkey::weighted(const List& list)
     return *std::begin(list);
 }
 
-Monkey::Monkey(quint32 seed, int events)
+Monkey::Monkey(quint32 seed, int events, bool tells)
     : m_random(seed)
     , m_seed(seed)
     , m_events(events)
+    , m_tells(tells)
 {
     s_sent = 0;
     QApplication::setDoubleClickInterval(kDoubleClickMs);
@@ -152,7 +153,7 @@ void Monkey::send(const QString& what, const std::function<void()>& event)
     if (isOver() || !m_window)
         return;
     s_sent = ++m_sent;
-    if (m_events - m_sent < kTold)
+    if (m_tells && m_events - m_sent < kTold)
         std::printf("%d: %s\n", m_sent, qPrintable(what));
     m_sending.start();
     ++m_depth;

@@ -21,7 +21,8 @@ class Monkey : public QObject
     Q_OBJECT
 
 public:
-    Monkey(quint32 seed, int events);
+    /// `tells` prints the last events of a play.
+    Monkey(quint32 seed, int events, bool tells);
     ~Monkey() override;
 
     /// Plays until all events were sent or something was found to be wrong.
@@ -103,6 +104,7 @@ private:
     QRandomGenerator m_random;
     quint32 m_seed;
     int m_events;
+    bool m_tells;
     int m_actions = 0;
     int m_sent = 0;
     int m_depth = 0;
