@@ -5,6 +5,7 @@
 #include "ScribbleArea.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QPushButton>
 #include <QString>
 
@@ -29,6 +30,17 @@ struct ScreenCaptureWndAccess {
     }
     static bool exists() { return ScreenCaptureWnd::s_screenCaptureWnd != nullptr; }
     static const ScribbleArea* canvas(const ScreenCaptureWnd& w) { return w.m_scribbleArea; }
+
+    static QString summary(const ScreenCaptureWnd& w)
+    {
+        const QWidget* focus = QApplication::focusWidget();
+        return QString("state %1, %2, tools checked %3, focus on %4")
+            .arg(w.m_state)
+            .arg(w.isVisible() ? "visible" : "hidden")
+            .arg(checkedTools(w))
+            .arg(focus ? focus->metaObject()->className() + focus->accessibleName()
+                       : QString("nothing"));
+    }
 
     /// What is wrong with a living window; empty when nothing is.
     static QString complaint(const ScreenCaptureWnd& w)

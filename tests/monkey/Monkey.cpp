@@ -38,8 +38,8 @@ constexpr int kNearPx = 6;
 constexpr int kPopupSidePx = 60;
 constexpr int kBlockedMs = 100;
 constexpr quint32 kSeedStep = 2654435761u;
-// How many of the last events are told.
-constexpr int kTold = 30;
+// How many of the last events are remembered.
+constexpr int kKept = 40;
 
 QString told(QEvent::Type type, const QPoint& pos, Qt::MouseButton button)
 {
@@ -87,11 +87,10 @@ auto Monkey::weighted(const List& list)
     return *std::begin(list);
 }
 
-Monkey::Monkey(quint32 seed, int events, bool tells)
+Monkey::Monkey(quint32 seed, int events)
     : m_random(seed)
     , m_seed(seed)
     , m_events(events)
-    , m_tells(tells)
 {
     s_sent = 0;
     QApplication::setDoubleClickInterval(kDoubleClickMs);
@@ -153,16 +152,24 @@ void Monkey::send(const QString& what, const std::function<void()>& event)
     if (isOver() || !m_window)
         return;
     s_sent = ++m_sent;
-    if (m_tells && m_events - m_sent < kTold)
-        std::printf("%d: %s\n", m_sent, qPrintable(what));
     m_sending.start();
     ++m_depth;
     event();
     --m_depth;
     inspect();
+    keep(what);
     // What comes of it on the server is known before anything else is done.
     if (m_depth == 0 && once(3))
         meetServer();
+}
+
+void Monkey::keep(const QString& what)
+{
+    if (m_last.size() == kKept)
+        m_last.removeFirst();
+    m_last << QString("%1: %2; %3")
+                  .arg(m_sent)
+                  .arg(what, m_window ? ScreenCaptureWndAccess::summary(*m_window) : "no window");
 }
 
 // Qt reads what the server says in a thread of its own, which may lag behind the answer that a

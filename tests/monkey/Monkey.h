@@ -6,6 +6,7 @@
 #include <QPoint>
 #include <QPointer>
 #include <QRandomGenerator>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <QTranslator>
 #include <functional>
@@ -21,14 +22,15 @@ class Monkey : public QObject
     Q_OBJECT
 
 public:
-    /// `tells` prints the last events of a play.
-    Monkey(quint32 seed, int events, bool tells);
+    Monkey(quint32 seed, int events);
     ~Monkey() override;
 
     /// Plays until all events were sent or something was found to be wrong.
     void play();
     /// What was wrong; empty when nothing was.
     QString complaint() const { return m_complaint; }
+    /// What was done last, one event a line.
+    QStringList lastEvents() const { return m_last; }
     int captures() const { return m_captures; }
     int dialogs() const { return m_dialogs; }
     int deliveries() const { return m_deliveries; }
@@ -57,6 +59,7 @@ private:
 
     void act();
     void send(const QString& what, const std::function<void()>& event);
+    void keep(const QString& what);
     void meetServer();
     void inspect();
     void settle();
@@ -104,7 +107,6 @@ private:
     QRandomGenerator m_random;
     quint32 m_seed;
     int m_events;
-    bool m_tells;
     int m_actions = 0;
     int m_sent = 0;
     int m_depth = 0;
@@ -114,6 +116,7 @@ private:
     int m_signals = 0;
     bool m_mayDeliver = false;
     QString m_complaint;
+    QStringList m_last;
     QPointer<ScreenCaptureWnd> m_window;
     Qt::MouseButtons m_held;
     QPoint m_pos;

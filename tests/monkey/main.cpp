@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Lets the monkey play:
-//   monkey [--events N] [--seed N|time]... [--tell]
+//   monkey [--events N] [--seed N|time]...
 // Prints what it did; when something is wrong, also the command that does it again.
 #include "BehaviourTest.h"
 #include "Monkey.h"
@@ -34,9 +34,8 @@ void printReplay()
 {
     char text[200];
     const int length = std::snprintf(
-        text, sizeof text,
-        "monkey: seed %u, event %d; again: tools/monkey --seed %u --events %d --tell\n", s_seed,
-        Monkey::s_sent, s_seed, Monkey::s_sent + 1);
+        text, sizeof text, "monkey: seed %u, event %d; again: tools/monkey --seed %u --events %d\n",
+        s_seed, Monkey::s_sent, s_seed, Monkey::s_sent + 1);
     if (write(STDERR_FILENO, text, size_t(length)) < 0)
         return;
 }
@@ -89,7 +88,7 @@ void keepWarning(QtMsgType type, const QMessageLogContext& /*context*/, const QS
 
 int usage()
 {
-    std::fprintf(stderr, "usage: monkey [--events N] [--seed N|time]... [--tell]\n");
+    std::fprintf(stderr, "usage: monkey [--events N] [--seed N|time]...\n");
     return 2;
 }
 
@@ -98,19 +97,20 @@ quint32 seedOfNow()
     return quint32(QDateTime::currentMSecsSinceEpoch());
 }
 
-bool plays(quint32 seed, int events, bool tells)
+bool plays(quint32 seed, int events)
 {
     s_seed = seed;
     std::printf("monkey: seed %u, %d events\n", seed, events);
     std::fflush(stdout);
-    Monkey monkey(seed, events, tells);
+    Monkey monkey(seed, events);
     monkey.play();
     std::printf("monkey: %d events, %d captures, %d results, %d save dialogs\n", Monkey::s_sent,
                 monkey.captures(), monkey.deliveries(), monkey.dialogs());
     std::fflush(stdout);
     if (monkey.complaint().isEmpty() && s_warnings.isEmpty())
         return true;
-    std::fprintf(stderr, "monkey: %s\n", qPrintable(monkey.complaint()));
+    std::fprintf(stderr, "%s\nmonkey: %s\n", qPrintable(monkey.lastEvents().join('\n')),
+                 qPrintable(monkey.complaint()));
     printReplay();
     return false;
 }
@@ -131,13 +131,10 @@ int main(int argc, char** argv)
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
 
     int events = kDefaultEvents;
-    bool tells = false;
     QList<quint32> seeds;
     const QStringList arguments = QApplication::arguments();
     for (int i = 1; i < arguments.size(); ++i) {
-        if (arguments.at(i) == "--tell")
-            tells = true;
-        else if (arguments.at(i) == "--events")
+        if (arguments.at(i) == "--events")
             events = arguments.value(++i).toInt();
         else if (arguments.at(i) == "--seed" && arguments.value(i + 1) == "time")
             seeds << seedOfNow(), ++i;
@@ -152,7 +149,7 @@ int main(int argc, char** argv)
     // Inside the event loop, where an application lives.
     QTimer::singleShot(0, &app, [&] {
         const bool allFine = std::all_of(seeds.begin(), seeds.end(),
-                                         [=](quint32 seed) { return plays(seed, events, tells); });
+                                         [=](quint32 seed) { return plays(seed, events); });
         QCoreApplication::exit(allFine ? 0 : 1);
     });
     return QApplication::exec();

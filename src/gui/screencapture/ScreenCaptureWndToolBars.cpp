@@ -260,12 +260,23 @@ void ScreenCaptureWnd::setScribbleAreaToolColor(const ScreenCaptureToolColors& c
 // in use.
 void ScreenCaptureWnd::onPaintTypeChanged()
 {
+    if (m_state < StateSelected) {
+        uncheckTools();
+        return;
+    }
     if (m_state == StateSelected)
         beginAnnotating();
     if (m_checkedButton)
         m_checkedButton->setChecked(false);
     applyCheckedTool();
     updateRedoButton();
+}
+
+// A button that is held while the bar goes away is clicked when it is let go.
+void ScreenCaptureWnd::uncheckTools()
+{
+    for (QAbstractButton* button : m_mainToolBar->findChildren<QAbstractButton*>())
+        button->setChecked(false);
 }
 
 // Intended: the sub bar is placed with the height it has before it is shown and sized for the tool.
