@@ -13,6 +13,7 @@
 
 #include <csignal>
 #include <type_traits>
+#include <utility>
 
 // The facade's state belongs to the process. Each test therefore runs this program again as a
 // client, with a script of words:
@@ -53,8 +54,8 @@ QByteArray fileWith(uint color)
 class Client
 {
 public:
-    explicit Client(const QStringList& words)
-        : m_words(words)
+    explicit Client(QStringList words)
+        : m_words(std::move(words))
     {
     }
     int run()

@@ -37,6 +37,8 @@ public:
         QCoreApplication::sendPostedEvents();
         return m_painted;
     }
+    /// What was painted since repaintedBy() began.
+    const QRegion& painted() const { return m_painted; }
 
 protected:
     void paintEvent(QPaintEvent* event) override
@@ -86,6 +88,7 @@ private slots:
     void newPictureRepaintsEverything();
     void shapePensRepaintEverything();
     void movesRepaintTheParent();
+    void fastMovesRepaintWhatChangedFirst();
 };
 
 void tst_ScribbleArea_painting::shapeIsShownWhileItIsEdited_data()
@@ -216,7 +219,30 @@ void tst_ScribbleArea_painting::movesRepaintTheParent()
     canvas.press(kFrom);
     // Too short a drag for a frame.
     QCOMPARE(parent.repaintedBy([&] { canvas.move(kFrom + QPoint(1, 0)); }), all);
-    QCOMPARE(parent.repaintedBy([&] { canvas.move(kTo); }), all);
+    QTRY_COMPARE(parent.painted(), all);
+}
+
+// So that the line keeps up with the pointer, what changed comes first, and all when it rests.
+void tst_ScribbleArea_painting::fastMovesRepaintWhatChangedFirst()
+{
+    Watched<QWidget> parent;
+    parent.resize(300, 250);
+    Canvas canvas;
+    canvas.setParent(&parent);
+    canvas.setGeometry(QRect(QPoint(50, 40), kSize));
+    parent.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&parent));
+    canvas.press(kFrom);
+    canvas.move(kOver);
+    const QRect changed = QRect(kOver, kTo).normalized().adjusted(-3, -3, 3, 3).translated(50, 40);
+    const QRegion first = parent.repaintedBy([&] { canvas.move(kTo); });
+    QVERIFY(QRegion(changed).subtracted(first).isEmpty());
+    QVERIFY(first != QRegion(parent.rect()));
+    QTRY_COMPARE(parent.painted(), QRegion(parent.rect()));
+    // The release does not wait for the pointer to rest.
+    canvas.move(kFrom);
+    canvas.move(kOver);
+    QCOMPARE(parent.repaintedBy([&] { canvas.release(kOver); }), QRegion(parent.rect()));
 }
 
 QTEST_MAIN(tst_ScribbleArea_painting)

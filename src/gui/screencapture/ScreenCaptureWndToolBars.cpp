@@ -269,6 +269,7 @@ void ScreenCaptureWnd::onPaintTypeChanged()
     if (m_checkedButton)
         m_checkedButton->setChecked(false);
     applyCheckedTool();
+    // A shape that the change of tool committed leaves nothing to redo.
     updateRedoButton();
 }
 

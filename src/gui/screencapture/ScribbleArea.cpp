@@ -13,12 +13,14 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QTextEdit>
+#include <QTimerEvent>
 #include <QVector2D>
 
 namespace
 {
 
 constexpr int kMosaicRebuildDelayMs = 300;
+constexpr int kPointerRestMs = 50;
 constexpr int kStrokeMarginPx = 2;
 constexpr int kTextInsetPx = 4;
 constexpr int kMinDragWidthPx = 4;
@@ -226,6 +228,8 @@ void ScribbleArea::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
 
+    if (m_restTimer.isActive())
+        finishRepaintingParent();
     m_lastPoint = event->pos();
     if (m_resizableRect->isVisible()) {
         m_pressOutsideRect = !m_resizableRect->contains(m_lastPoint);
@@ -266,20 +270,41 @@ void ScribbleArea::mouseMoveEvent(QMouseEvent* event)
     repaintParent(changed);
 }
 
-// The parent paints the picture. All of it is asked for, and follows when nothing else waits; what
-// changed is on the screen before that, so that the line keeps up with the pointer.
+// The parent paints the picture. What changed is on the screen at once, so that a line keeps up
+// with the pointer. All of the parent is asked for too, which takes the X server longer than a fast
+// pointer leaves between two moves: after the first move it waits until the pointer rests.
 void ScribbleArea::repaintParent(const QRect& changed)
 {
     if (!parentWidget())
         return;
     parentWidget()->repaint(changed.translated(pos()));
-    parentWidget()->update();
+    if (!m_restTimer.isActive())
+        parentWidget()->update();
+    m_restTimer.start(kPointerRestMs, this);
+}
+
+void ScribbleArea::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != m_restTimer.timerId()) {
+        QWidget::timerEvent(event);
+        return;
+    }
+    finishRepaintingParent();
+}
+
+void ScribbleArea::finishRepaintingParent()
+{
+    m_restTimer.stop();
+    if (parentWidget())
+        parentWidget()->update();
 }
 
 void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)
         return;
+    if (m_restTimer.isActive())
+        finishRepaintingParent();
     if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
         // Intended: m_scribbling stays set.
         drawLineTo(event->pos());
@@ -533,7 +558,8 @@ void ScribbleArea::onupdateMosaicImage()
 
 void ScribbleArea::resetMosaicTrack()
 {
-    m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
+    if (m_mosaicTrack.size() != m_image.size())
+        m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
     m_mosaicTrack.fill(QColor(0, 0, 0, 0));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QBasicTimer>
 #include <QColor>
 #include <QImage>
 #include <QList>
@@ -111,6 +112,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
 
 private slots:
     void onResizableRectChanged(const QRect& rect);
@@ -124,6 +126,7 @@ private:
     QRect drawLineTo(const QPoint& endPoint);
     QRect drawMosaic(const QPoint& from, const QPoint& to, int width);
     void repaintParent(const QRect& changed);
+    void finishRepaintingParent();
     void updateMosaicImage();
     void resetMosaicTrack();
     void setMosaicCursorRadius(int size);
@@ -156,6 +159,7 @@ private:
     QImage m_mosaicImage;
     QImage m_mosaicTrack;
     QTimer m_mosaicTimer;
+    QBasicTimer m_restTimer;
     QPoint m_lastPoint;
     bool m_creatingGraph = false;
     bool m_pressOutsideRect = false;
