@@ -31,19 +31,10 @@ QMutex s_mutex;
 QStringList s_unexpected;
 QtMessageHandler s_previous = nullptr;
 
-bool isKnown(const QString& message)
-{
-    for (const KnownWarning& known : kKnownWarnings) {
-        if (QRegularExpression(known.pattern).match(message).hasMatch())
-            return true;
-    }
-    return false;
-}
-
 void recordWarning(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     if (type == QtWarningMsg || type == QtCriticalMsg) {
-        if (isKnown(message))
+        if (isKnownWarning(message))
             return;
         QMutexLocker lock(&s_mutex);
         s_unexpected << message;
@@ -52,6 +43,15 @@ void recordWarning(QtMsgType type, const QMessageLogContext& context, const QStr
 }
 
 } // namespace
+
+bool isKnownWarning(const QString& message)
+{
+    for (const KnownWarning& known : kKnownWarnings) {
+        if (QRegularExpression(known.pattern).match(message).hasMatch())
+            return true;
+    }
+    return false;
+}
 
 void BehaviourTest::init()
 {

@@ -159,6 +159,7 @@ private:
 
     void beginAnnotating();
     void applyCheckedTool();
+    void uncheckTools();
     void updateRedoButton();
     void chooseGraph(int state, const QPen& pen);
     void showPenSettings(const QPen& pen);

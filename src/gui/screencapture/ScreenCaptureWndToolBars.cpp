@@ -272,6 +272,10 @@ void ScreenCaptureWnd::setScribbleAreaToolColor(const ScreenCaptureToolColors& c
 // in use.
 void ScreenCaptureWnd::onPaintTypeChanged()
 {
+    if (m_state < StateSelected) {
+        uncheckTools();
+        return;
+    }
     if (m_state == StateSelected)
         beginAnnotating();
     if (m_checkedButton)
@@ -279,6 +283,13 @@ void ScreenCaptureWnd::onPaintTypeChanged()
     applyCheckedTool();
     // A shape that the change of tool committed leaves nothing to redo.
     updateRedoButton();
+}
+
+// A button that is held while the bar goes away is clicked when it is let go.
+void ScreenCaptureWnd::uncheckTools()
+{
+    for (QAbstractButton* button : m_mainToolBar->findChildren<QAbstractButton*>())
+        button->setChecked(false);
 }
 
 // Intended: the sub bar is placed with the height it has before it is shown and sized for the tool.

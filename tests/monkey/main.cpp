@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+// Lets the monkey play:
+//   monkey [--events N] [--seed N|time]...
+// Prints what it did; when something is wrong, also the command that does it again.
+#include "BehaviourTest.h"
+#include "Monkey.h"
+
+#include <QApplication>
+#include <QDateTime>
+#include <QSettings>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <unistd.h>
+
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/common_interface_defs.h>
+#endif
+
+namespace
+{
+
+constexpr int kDefaultEvents = 100000;
+constexpr unsigned kHangSeconds = 60;
+
+quint32 s_seed = 0;
+QStringList s_warnings;
+int s_lastSeen = -1;
+
+void printReplay()
+{
+    char text[200];
+    const int length = std::snprintf(
+        text, sizeof text, "monkey: seed %u, event %d; again: tools/monkey --seed %u --events %d\n",
+        s_seed, Monkey::s_sent, s_seed, Monkey::s_sent + 1);
+    if (write(STDERR_FILENO, text, size_t(length)) < 0)
+        return;
+}
+
+void onSignal(int signal)
+{
+    printReplay();
+    std::signal(signal, SIG_DFL);
+    raise(signal);
+}
+
+void onAlarm(int /*signal*/)
+{
+    if (s_lastSeen != Monkey::s_sent) {
+        s_lastSeen = Monkey::s_sent;
+        alarm(kHangSeconds);
+        return;
+    }
+    std::fputs("monkey: hangs\n", stderr);
+    std::abort();
+}
+
+void watchForTheEnd()
+{
+#ifdef __SANITIZE_ADDRESS__
+    __sanitizer_set_death_callback(printReplay);
+#else
+    std::signal(SIGSEGV, onSignal);
+#endif
+    std::signal(SIGABRT, onSignal);
+    std::signal(SIGALRM, onAlarm);
+    alarm(kHangSeconds);
+}
+
+// Without a window manager Qt gives the focus itself, also to a window that the server does not
+// show yet or any more, which the server refuses.
+bool isAboutFocus(const QString& text)
+{
+    return text.startsWith("QXcbConnection: XCB error: 8 (BadMatch)") &&
+           text.contains("(SetInputFocus)");
+}
+
+void keepWarning(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text)
+{
+    if (type == QtDebugMsg || type == QtInfoMsg || isKnownWarning(text) || isAboutFocus(text))
+        return;
+    s_warnings << text;
+    std::fprintf(stderr, "%s\n", qPrintable(text));
+}
+
+int usage()
+{
+    std::fprintf(stderr, "usage: monkey [--events N] [--seed N|time]...\n");
+    return 2;
+}
+
+quint32 seedOfNow()
+{
+    return quint32(QDateTime::currentMSecsSinceEpoch());
+}
+
+bool plays(quint32 seed, int events)
+{
+    s_seed = seed;
+    std::printf("monkey: seed %u, %d events\n", seed, events);
+    std::fflush(stdout);
+    Monkey monkey(seed, events);
+    monkey.play();
+    std::printf("monkey: %d events, %d captures, %d results, %d save dialogs\n", Monkey::s_sent,
+                monkey.captures(), monkey.deliveries(), monkey.dialogs());
+    std::fflush(stdout);
+    if (monkey.complaint().isEmpty() && s_warnings.isEmpty())
+        return true;
+    std::fprintf(stderr, "%s\nmonkey: %s\n", qPrintable(monkey.lastEvents().join('\n')),
+                 qPrintable(monkey.complaint()));
+    printReplay();
+    return false;
+}
+
+} // namespace
+
+bool hasWarned()
+{
+    return !s_warnings.isEmpty();
+}
+
+int main(int argc, char** argv)
+{
+    qInstallMessageHandler(keepWarning);
+    QApplication app(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+
+    int events = kDefaultEvents;
+    QList<quint32> seeds;
+    const QStringList arguments = QApplication::arguments();
+    for (int i = 1; i < arguments.size(); ++i) {
+        if (arguments.at(i) == "--events")
+            events = arguments.value(++i).toInt();
+        else if (arguments.at(i) == "--seed" && arguments.value(i + 1) == "time")
+            seeds << seedOfNow(), ++i;
+        else if (arguments.at(i) == "--seed")
+            seeds << arguments.value(++i).toUInt();
+        else
+            return usage();
+    }
+    if (seeds.isEmpty())
+        seeds << 1;
+    watchForTheEnd();
+    // Inside the event loop, where an application lives.
+    QTimer::singleShot(0, &app, [&] {
+        const bool allFine = std::all_of(seeds.begin(), seeds.end(),
+                                         [=](quint32 seed) { return plays(seed, events); });
+        QCoreApplication::exit(allFine ? 0 : 1);
+    });
+    return QApplication::exec();
+}
