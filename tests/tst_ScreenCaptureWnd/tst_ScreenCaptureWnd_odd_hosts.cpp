@@ -109,7 +109,8 @@ private slots:
 private:
     void annotate();
     void end(Ending ending);
-    void endings();
+    /// Rows of all endings, queued and direct, without direct ones for those of `onlyQueued`.
+    void endings(const QVector<Ending>& onlyQueued);
     /// Runs when the "Save As" dialog is open, with it.
     void whenSaving(const std::function<void(QFileDialog*)>& function);
 
@@ -174,7 +175,7 @@ void tst_ScreenCaptureWnd_odd_hosts::end(Ending ending)
     QCoreApplication::processEvents();
 }
 
-void tst_ScreenCaptureWnd_odd_hosts::endings()
+void tst_ScreenCaptureWnd_odd_hosts::endings(const QVector<Ending>& onlyQueued)
 {
     QTest::addColumn<Ending>("ending");
     QTest::addColumn<bool>("direct");
@@ -190,7 +191,8 @@ void tst_ScreenCaptureWnd_odd_hosts::endings()
                 {"closed", Close}};
     for (const auto& row : rows) {
         QTest::addRow("%s, queued", row.name) << row.ending << false;
-        QTest::addRow("%s, connected directly", row.name) << row.ending << true;
+        if (!onlyQueued.contains(row.ending))
+            QTest::addRow("%s, connected directly", row.name) << row.ending << true;
     }
 }
 
@@ -221,17 +223,15 @@ void tst_ScreenCaptureWnd_odd_hosts::quitsWhileTheSaveDialogIsOpen()
 
 void tst_ScreenCaptureWnd_odd_hosts::throwsFromItsSlot_data()
 {
-    endings();
+    // Qt's handling of input and of closing is built without exceptions: it leaks its guards
+    // when one passes through them.
+    endings({DoneButton, DoubleClick, DoubleClickOnTheCanvas, Escape, Close});
 }
 
 void tst_ScreenCaptureWnd_odd_hosts::throwsFromItsSlot()
 {
     QFETCH(Ending, ending);
     QFETCH(bool, direct);
-    // Qt's buttons, keys and event filters are built without exceptions: they leak their guards
-    // when one passes through them.
-    if (direct && (ending == DoneButton || ending == Escape || ending == DoubleClickOnTheCanvas))
-        return;
     m_receiver->then = [] { throw std::runtime_error("the host's own"); };
     if (direct) {
         m_capture->window()->connectTo(nullptr, nullptr);
@@ -264,7 +264,7 @@ void tst_ScreenCaptureWnd_odd_hosts::deletesItsReceiverInItsSlot()
 
 void tst_ScreenCaptureWnd_odd_hosts::deletesTheWindowInItsSlot_data()
 {
-    endings();
+    endings({});
 }
 
 void tst_ScreenCaptureWnd_odd_hosts::deletesTheWindowInItsSlot()
