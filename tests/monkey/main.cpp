@@ -70,17 +70,9 @@ void watchForTheEnd()
     alarm(kHangSeconds);
 }
 
-// Without a window manager Qt gives the focus itself, also to a window that the server does not
-// show yet or any more, which the server refuses.
-bool isAboutFocus(const QString& text)
-{
-    return text.startsWith("QXcbConnection: XCB error: 8 (BadMatch)") &&
-           text.contains("(SetInputFocus)");
-}
-
 void keepWarning(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text)
 {
-    if (type == QtDebugMsg || type == QtInfoMsg || isKnownWarning(text) || isAboutFocus(text))
+    if (type == QtDebugMsg || type == QtInfoMsg || isKnownWarning(text))
         return;
     s_warnings << text;
     std::fprintf(stderr, "%s\n", qPrintable(text));
