@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A program that knows the library by its public headers alone: takes a capture and ends with 0 when
-// it got the picture.
+// A program that knows the library by its public headers alone: takes a capture and ends with 0
+// when it got the picture.
 #include <QApplication>
 #include <QMouseEvent>
 #include <ScreenCaptureTool.h>

@@ -55,6 +55,8 @@ private slots:
     void shapesAreDelivered();
     void mosaicIsDelivered();
     void typedTextIsDelivered();
+    void unicodeAndRightToLeftTextIsTyped_data();
+    void unicodeAndRightToLeftTextIsTyped();
     void undoPastTheFirstEditStartsOver();
     void resetHidesTheCanvasAndKeepsIt();
     void nothingOfACanvasPutAwayIsDelivered();
@@ -216,6 +218,35 @@ void tst_ScreenCaptureWnd_annotating::typedTextIsDelivered()
     const QImage expected = withText(before, boxRect, font, {{"hello\nworld", Qt::yellow}});
     QVERIFY(expected != before);
     QCOMPARE(m_receiver.image, expected);
+}
+
+void tst_ScreenCaptureWnd_annotating::unicodeAndRightToLeftTextIsTyped_data()
+{
+    QTest::addColumn<QString>("layout");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("German") << "de" << QStringLiteral("Grüße");
+    QTest::newRow("Hebrew, right to left") << "il" << QStringLiteral("שלום");
+}
+
+// On a keyboard that has the letters: xdotool's own mapping of others comes too late for some.
+void tst_ScreenCaptureWnd_annotating::unicodeAndRightToLeftTextIsTyped()
+{
+    QFETCH(QString, layout);
+    QFETCH(QString, text);
+    QCOMPARE(QProcess::execute("setxkbmap", {layout}), 0);
+    m_canvas->setTextColor(Qt::yellow);
+    m_canvas->setPaintTypeToText();
+    drag(QPoint(40, 40), QPoint(100, 80), QPoint(280, 140));
+    QTRY_VERIFY(m_canvas->findChild<QTextEdit*>());
+    auto* box = m_canvas->findChild<QTextEdit*>();
+    QTRY_VERIFY(box->hasFocus());
+    xdotool({"type", text});
+    QTRY_COMPARE(box->toPlainText(), text);
+    m_capture->window()->accept();
+    deliver();
+    QCOMPARE(m_receiver.count, 1);
+    QVERIFY(m_receiver.image != m_region);
+    QCOMPARE(QProcess::execute("setxkbmap", {"us"}), 0);
 }
 
 void tst_ScreenCaptureWnd_annotating::undoPastTheFirstEditStartsOver()
