@@ -21,7 +21,7 @@ start() {
 # a window closes under its hands, about that.
 expect_silence() {
     [ ! -s "$scratch/out" ] || problem "printed: $(cat "$scratch/out")"
-    grep -vE '^Could not parse stylesheet of object |^QXcbConnection: XCB error: 3 \(BadWindow\)' "$scratch/err" | grep . &&
+    grep -vE '^Could not parse stylesheet of object |^qt\.qpa\.xcb: QXcbConnection: XCB error: 3 \(BadWindow\)' "$scratch/err" | grep . &&
         problem "printed the above"
 }
 
