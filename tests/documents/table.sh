@@ -8,6 +8,10 @@ check_command() {
         ./run) without_display ./run && [ -s out/result.png ] ;;
         # The suites themselves.
         ./test) is_suite dev ;;
+        # Too long to be run here; that they can be read, and understand what they are given.
+        'tools/fuzz 300') bash -n tools/fuzz ;;
+        tools/valgrind) bash -n tools/valgrind ;;
+        ./bench*) python3 bench --help | grep -q -- --size ;;
         './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
         './test asan') is_suite asan ;;
 
