@@ -139,42 +139,23 @@ double measureDrag(Subject& subject, Driver& driver)
     return result;
 }
 
-double measureMove(Subject& subject, Driver& driver)
+// A region that stands already is dragged by its middle or by its corner.
+double measureStandingRegion(Subject& subject, Driver& driver, BareOverlay::Kind kind)
 {
-    subject.show(BareOverlay::Moving);
+    subject.show(kind);
     double result = 0;
     const QSize size = screenSize();
     const QPoint first(size.width() / 10, size.height() / 10);
     const QPoint last(size.width() / 2, size.height() / 2);
+    const QPoint grip = kind == BareOverlay::Moving ? (first + last) / 2 : last;
     whileDriving([&] {
         driver.waitForWindow();
         driver.drag(first, last);
-        driver.moveTo((first + last) / 2);
+        driver.moveTo(grip);
         driver.settle();
         driver.press();
-        result = processorTimePerMove(driver, (first + last) / 2,
-                                      (first + last) / 2 +
-                                          QPoint(size.width() * 2 / 5, size.height() * 2 / 5));
-        driver.release();
-    });
-    return result;
-}
-
-double measureResize(Subject& subject, Driver& driver)
-{
-    subject.show(BareOverlay::Resizing);
-    double result = 0;
-    const QSize size = screenSize();
-    const QPoint first(size.width() / 10, size.height() / 10);
-    const QPoint last(size.width() / 2, size.height() / 2);
-    whileDriving([&] {
-        driver.waitForWindow();
-        driver.drag(first, last);
-        driver.moveTo(last);
-        driver.settle();
-        driver.press();
-        result = processorTimePerMove(driver, last,
-                                      QPoint(size.width() * 9 / 10, size.height() * 9 / 10));
+        result = processorTimePerMove(driver, grip,
+                                      grip + QPoint(size.width() * 2 / 5, size.height() * 2 / 5));
         driver.release();
     });
     return result;
@@ -398,9 +379,9 @@ int main(int argc, char** argv)
     else if (what == "drag")
         result = measureDrag(subject, driver);
     else if (what == "move")
-        result = measureMove(subject, driver);
+        result = measureStandingRegion(subject, driver, BareOverlay::Moving);
     else if (what == "resize")
-        result = measureResize(subject, driver);
+        result = measureStandingRegion(subject, driver, BareOverlay::Resizing);
     else if (what == "idle")
         result = measureIdle(subject, driver);
     else if (what == "pen")
