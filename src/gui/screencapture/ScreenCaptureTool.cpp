@@ -3,7 +3,9 @@
 
 #include "myfs.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 #include <QVariant>
@@ -13,6 +15,7 @@ namespace
 
 const char* const kSettingsFile = "screencapture.ini";
 const char* const kColorGroup = "pen_color";
+constexpr int kLockSigningMs = 1000;
 
 const QString kScribble = QStringLiteral("scribbleColor");
 const QString kRect = QStringLiteral("rectColor");
@@ -30,6 +33,16 @@ bool hasPlaceForSettings()
 {
     const QString& file = s_Helper.m_iniPath;
     return !file.isEmpty() && QFileInfo(file).dir().exists();
+}
+
+// A process killed between making the lock of the file and signing it leaves an empty one, for
+// which Qt would hold up the next one for half a minute.
+void removeUnsignedLock()
+{
+    const QFileInfo lock(s_Helper.m_iniPath + ".lock");
+    if (lock.exists() && lock.size() == 0 &&
+        lock.lastModified().msecsTo(QDateTime::currentDateTime()) > kLockSigningMs)
+        QFile::remove(lock.filePath());
 }
 
 } // namespace
@@ -75,6 +88,7 @@ void ScreenCaptureTool::setPenColor(const ScreenCaptureToolColors& colors)
     s_Helper.m_penColors[kText] = colors.textColor;
     if (!hasPlaceForSettings())
         return;
+    removeUnsignedLock();
 
     // Intended: the text colour lives in memory only.
     QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
