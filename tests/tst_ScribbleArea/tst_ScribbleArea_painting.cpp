@@ -51,6 +51,18 @@ private:
     QRegion m_painted;
 };
 
+class TimerCounter : public QObject
+{
+public:
+    explicit TimerCounter(QObject& object) { object.installEventFilter(this); }
+    int count = 0;
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        count += event->type() == QEvent::Timer ? 1 : 0;
+        return false;
+    }
+};
+
 const QPoint kFrom(150, 30);
 const QPoint kOver(120, 50);
 const QPoint kTo(40, 110);
@@ -89,6 +101,7 @@ private slots:
     void shapePensRepaintEverything();
     void movesRepaintTheParent();
     void fastMovesRepaintWhatChangedFirst();
+    void restAfterASingleMoveRepaintsNothing();
 };
 
 void tst_ScribbleArea_painting::shapeIsShownWhileItIsEdited_data()
@@ -243,6 +256,24 @@ void tst_ScribbleArea_painting::fastMovesRepaintWhatChangedFirst()
     canvas.move(kFrom);
     canvas.move(kOver);
     QCOMPARE(parent.repaintedBy([&] { canvas.release(kOver); }), QRegion(parent.rect()));
+}
+
+// The first move has asked for all already.
+void tst_ScribbleArea_painting::restAfterASingleMoveRepaintsNothing()
+{
+    Watched<QWidget> parent;
+    parent.resize(300, 250);
+    Canvas canvas;
+    canvas.setParent(&parent);
+    canvas.setGeometry(QRect(QPoint(50, 40), kSize));
+    parent.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&parent));
+    canvas.press(kFrom);
+    canvas.move(kOver);
+    TimerCounter timer(canvas);
+    QCOMPARE(parent.repaintedBy([&] { QTRY_COMPARE(timer.count, 1); }), QRegion());
+    canvas.release(kOver);
+    QCOMPARE(parent.repaintedBy([&] { canvas.press(kOver); }), QRegion());
 }
 
 QTEST_MAIN(tst_ScribbleArea_painting)

@@ -49,32 +49,6 @@ QRgb averageOf(const quint32* sums, int columns, int rows)
     return kOpaque | QRgb(red / pixels) << 16 | QRgb(green / pixels) << 8 | QRgb(blue / pixels);
 }
 
-// Blocks of any size on any processor.
-class PlainBlocks
-{
-public:
-    PlainBlocks(int mostColumns, int rows)
-        : m_rows(rows)
-        , m_sums(mostColumns * kBytesPerPixel)
-    {
-    }
-    void sum(const uchar* bytes, int stride, int columns)
-    {
-        std::fill(m_sums.begin(), m_sums.end(), 0);
-        for (int row = 0; row < m_rows; ++row, bytes += stride)
-            addRow(m_sums.data(), bytes, columns * kBytesPerPixel);
-    }
-    void fill(QRgb* to, int first, int columns) const
-    {
-        const quint32* sums = m_sums.data() + first * kBytesPerPixel;
-        std::fill_n(to + first, columns, averageOf(sums, columns, m_rows));
-    }
-
-private:
-    int m_rows;
-    std::vector<quint32> m_sums;
-};
-
 // One row of blocks: averaged into its first row of pixels, which is then repeated.
 void pixelateBand(uchar* to, int toStride, const uchar* from, int fromStride, int width, int rows,
                   int blockSize)

@@ -15,6 +15,7 @@
 #include <QTextEdit>
 #include <QTimerEvent>
 #include <QVector2D>
+#include <cstdlib>
 
 namespace
 {
@@ -40,6 +41,20 @@ QRect strokeArea(const QPoint& from, const QPoint& to, int width)
 {
     const int margin = width / 2 + kStrokeMarginPx;
     return QRect(from, to).normalized().adjusted(-margin, -margin, margin, margin);
+}
+
+// Zeroed memory of this size costs nothing before something is drawn there, and a brush touches
+// little of the picture.
+QImage transparentImage(const QSize& size)
+{
+    if (size.isEmpty())
+        return {};
+    constexpr size_t kBytesPerPixel = 4;
+    void* pixels = std::calloc(size_t(size.height()), size_t(size.width()) * kBytesPerPixel);
+    if (!pixels)
+        return {};
+    return {static_cast<uchar*>(pixels), size.width(), size.height(),
+            QImage::Format_ARGB32,       std::free,    pixels};
 }
 
 bool canWrite(const char* format)
@@ -230,8 +245,7 @@ void ScribbleArea::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
 
-    if (m_restTimer.isActive())
-        finishRepaintingParent();
+    finishRepaintingParent();
     m_lastPoint = event->pos();
     if (m_resizableRect->isVisible()) {
         m_pressOutsideRect = !m_resizableRect->contains(m_lastPoint);
@@ -280,7 +294,8 @@ void ScribbleArea::repaintParent(const QRect& changed)
     if (!parentWidget())
         return;
     parentWidget()->repaint(changed.translated(pos()));
-    if (!m_restTimer.isActive())
+    m_parentIsOwed = m_restTimer.isActive();
+    if (!m_parentIsOwed)
         parentWidget()->update();
     m_restTimer.start(kPointerRestMs, this);
 }
@@ -297,16 +312,16 @@ void ScribbleArea::timerEvent(QTimerEvent* event)
 void ScribbleArea::finishRepaintingParent()
 {
     m_restTimer.stop();
-    if (parentWidget())
+    if (m_parentIsOwed && parentWidget())
         parentWidget()->update();
+    m_parentIsOwed = false;
 }
 
 void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    if (m_restTimer.isActive())
-        finishRepaintingParent();
+    finishRepaintingParent();
     if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
         // Intended: m_scribbling stays set.
         drawLineTo(event->pos());
@@ -561,9 +576,7 @@ void ScribbleArea::onupdateMosaicImage()
 
 void ScribbleArea::resetMosaicTrack()
 {
-    if (m_mosaicTrack.size() != m_image.size())
-        m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
-    m_mosaicTrack.fill(QColor(0, 0, 0, 0));
+    m_mosaicTrack = transparentImage(m_image.size());
 }
 
 void ScribbleArea::setMosaicBlur(int blur)

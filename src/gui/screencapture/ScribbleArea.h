@@ -164,6 +164,7 @@ private:
     QImage m_mosaicTrack;
     QTimer m_mosaicTimer;
     QBasicTimer m_restTimer;
+    bool m_parentIsOwed = false;
     QPoint m_lastPoint;
     bool m_creatingGraph = false;
     bool m_pressOutsideRect = false;
