@@ -243,7 +243,7 @@ double measureLatency(Subject& subject, Driver& driver, int tool, BareOverlay::K
         for (int i = 1; i <= kMoves; ++i) {
             const QPoint p = from + (to - from) * (double(i) / kMoves) + QPoint(20, 20);
             // Just inside the corner that is dragged, or under the pen.
-            const QPoint watched = tool >= 0 ? p : p - QPoint(12, 12);
+            const QPoint watched = tool >= 0 ? p : p - QPoint(2, 2);
             times.push_back(driver.moveAndWait(p, watched));
             QThread::usleep(1000000 / kMovesPerSecond);
         }

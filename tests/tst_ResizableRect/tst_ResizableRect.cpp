@@ -92,6 +92,8 @@ private slots:
     void dashedBorderHasWhiteHandles();
     void solidBorderHasFilledHandles();
     void borderUsesThePaintersBrush();
+    void solidBorderIsThatOfDrawRect_data();
+    void solidBorderIsThatOfDrawRect();
     void invertedRectangleIsPaintedRaw();
     void labelIsPaintedOnTop();
     void painterStateIsChanged();
@@ -642,6 +644,52 @@ void tst_ResizableRect::borderUsesThePaintersBrush()
     paintHandles(painter, kColor);
     painter.end();
     QCOMPARE(actual, expected);
+}
+
+void tst_ResizableRect::solidBorderIsThatOfDrawRect_data()
+{
+    QTest::addColumn<QRect>("rect");
+    QTest::addColumn<qreal>("scale");
+    QTest::newRow("upright") << QRect(20, 20, 60, 40) << 1.0;
+    QTest::newRow("empty") << QRect(30, 30, 0, 0) << 1.0;
+    QTest::newRow("without width") << QRect(30, 30, 0, 20) << 1.0;
+    QTest::newRow("one pixel") << QRect(30, 30, 1, 1) << 1.0;
+    QTest::newRow("thin") << QRect(30, 30, 1, 20) << 1.0;
+    QTest::newRow("inverted") << QRect(QPoint(80, 60), QPoint(20, 10)) << 1.0;
+    QTest::newRow("inverted by one") << QRect(QPoint(30, 30), QPoint(28, 28)) << 1.0;
+    QTest::newRow("over the edge") << QRect(-10, -10, 300, 200) << 1.0;
+    QTest::newRow("twice as dense") << QRect(10, 10, 30, 20) << 2.0;
+}
+
+void tst_ResizableRect::solidBorderIsThatOfDrawRect()
+{
+    QFETCH(QRect, rect);
+    QFETCH(qreal, scale);
+    for (const QBrush& brush : {QBrush(Qt::NoBrush), QBrush(Qt::darkGreen)}) {
+        ResizableRect frame(nullptr, rect);
+        frame.setBorderSolidPaint(true);
+        QImage actual = canvas();
+        QPainter given(&actual);
+        given.scale(scale, scale);
+        given.setBrush(brush);
+        frame.render(given);
+        given.end();
+        QImage expected = canvas();
+        QPainter painter(&expected);
+        painter.scale(scale, scale);
+        painter.setPen(QPen(QBrush(kColor), 1.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setBrush(brush);
+        painter.drawRect(rect);
+        painter.setBrush(kColor);
+        const int w = rect.width();
+        const int h = rect.height();
+        for (const QPoint& offset :
+             {QPoint(0, h / 2), QPoint(w, h / 2), QPoint(w / 2, 0), QPoint(w / 2, h), QPoint(0, 0),
+              QPoint(w, 0), QPoint(0, h), QPoint(w, h)})
+            painter.drawRect(handleAt(rect.topLeft() - QPoint(1, 1) + offset));
+        painter.end();
+        QCOMPARE(actual, expected);
+    }
 }
 
 void tst_ResizableRect::invertedRectangleIsPaintedRaw()
