@@ -15,6 +15,10 @@ if(SCREENCAPTURE_SANITIZE)
     target_link_options(screencapture_options INTERFACE ${sanitizers})
 endif()
 
+if(SCREENCAPTURE_COVERAGE)
+    target_link_options(screencapture_options INTERFACE --coverage)
+endif()
+
 if(SCREENCAPTURE_BUILD_FUZZERS)
     target_compile_options(screencapture_options INTERFACE -fsanitize=fuzzer-no-link)
     target_compile_definitions(screencapture_options INTERFACE _GLIBCXX_ASSERTIONS)

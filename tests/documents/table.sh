@@ -9,8 +9,9 @@ check_command() {
         # The suites themselves.
         ./test) is_suite dev ;;
         # Too long to be run here; that they can be read, and understand what they are given.
-        'tools/fuzz 300') bash -n tools/fuzz ;;
-        tools/valgrind) bash -n tools/valgrind ;;
+        'tools/fuzz 600') bash -n tools/fuzz ;;
+        tools/valgrind | tools/monkey | tools/soak) bash -n "$1" ;;
+        tools/mutate) run 'tools/mutate --list --count 1' ;;
         ./bench*) [ -x bench ] && grep -q -- '"--size"' bench ;;
         './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
         './test asan') is_suite asan ;;

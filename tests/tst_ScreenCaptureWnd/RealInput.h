@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "BehaviourTest.h"
+
 #include <QApplication>
 #include <QCursor>
 #include <QMouseEvent>
 #include <QProcess>
-#include <QtTest>
 
 /// Real input through the X server. Wait for the effect of a click before the next one: while a
 /// window manager holds the pointer, the server loses a release that the next press overtakes.
@@ -14,7 +15,7 @@ inline void xdotool(const QStringList& words)
     QProcess process;
     process.start("xdotool", words);
     QVERIFY(process.waitForStarted());
-    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 20000);
+    QTRY_COMPARE(process.state(), QProcess::NotRunning);
     QCOMPARE(process.exitCode(), 0);
 }
 
