@@ -16,7 +16,8 @@ if(SCREENCAPTURE_SANITIZE)
 endif()
 
 if(SCREENCAPTURE_COVERAGE)
-    target_link_options(screencapture_options INTERFACE --coverage)
+    # The library does not export what counts.
+    target_link_options(screencapture_options INTERFACE --coverage LINKER:--exclude-libs,libgcov.a)
 endif()
 
 if(SCREENCAPTURE_BUILD_FUZZERS)

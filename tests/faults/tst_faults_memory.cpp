@@ -12,6 +12,7 @@ struct ScreenCaptureWndAccess {
     {
         *window->m_desktopImage = desktop;
     }
+    static void dimDesktop(ScreenCaptureWnd* window) { window->dimDesktop(); }
 };
 
 namespace
@@ -61,6 +62,7 @@ private slots:
     void blocksOfAShallowPicture();
     void toolIsChosen();
     void nothingButANullPictureCanBeDelivered();
+    void desktopIsDimmedWhenPainted();
 };
 
 void tst_faults_memory::editIsNotDrawn_data()
@@ -265,6 +267,24 @@ void tst_faults_memory::nothingButANullPictureCanBeDelivered()
     QVERIFY(receiver.finished);
     QVERIFY(receiver.image.isNull());
     QVERIFY(capture.isGone());
+}
+
+void tst_faults_memory::desktopIsDimmedWhenPainted()
+{
+    CaptureProbe capture;
+    const QImage desktop = picture(kPictureSize);
+    capture.window()->setGeometry(desktop.rect());
+    ScreenCaptureWndAccess::setDesktop(capture.window(), desktop);
+    {
+        const MemoryShortage shortage(kTooManyBytes);
+        ScreenCaptureWndAccess::dimDesktop(capture.window());
+        QVERIFY(shortage.refused() > 0);
+    }
+    QImage expected = desktop.convertToFormat(QImage::Format_RGB32);
+    QPainter(&expected).fillRect(expected.rect(), QColor(0, 0, 0, 100));
+    QImage shown(kPictureSize, QImage::Format_RGB32);
+    capture.window()->render(&shown, QPoint(), QRegion(), QWidget::RenderFlags());
+    QCOMPARE(shown, expected);
 }
 
 QTEST_MAIN(tst_faults_memory)

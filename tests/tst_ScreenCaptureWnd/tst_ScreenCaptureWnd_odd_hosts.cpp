@@ -58,7 +58,16 @@ int& caught()
     return static_cast<CatchingApplication*>(qApp)->caught;
 }
 
-enum Ending { Accept, DoneButton, DoubleClick, DoubleClickOnTheCanvas, Reject, Escape, Close };
+enum Ending {
+    Accept,
+    DoneButton,
+    DoubleClick,
+    DoubleClickOnTheCanvas,
+    Reject,
+    Escape,
+    Close,
+    HideAndClose
+};
 
 enum Call { CallAccept, CallReject, CallUndo, CallRedo, CallReset, CallSave, CallHide, CallDelete };
 
@@ -171,6 +180,10 @@ void tst_ScreenCaptureWnd_odd_hosts::end(Ending ending)
     case Close:
         window->close();
         break;
+    case HideAndClose:
+        window->hide();
+        window->close();
+        break;
     }
     QCoreApplication::processEvents();
 }
@@ -188,7 +201,8 @@ void tst_ScreenCaptureWnd_odd_hosts::endings(const QVector<Ending>& onlyQueued)
                 {"double-click on the canvas", DoubleClickOnTheCanvas},
                 {"reject()", Reject},
                 {"Escape", Escape},
-                {"closed", Close}};
+                {"closed", Close},
+                {"hidden, then closed", HideAndClose}};
     for (const auto& row : rows) {
         QTest::addRow("%s, queued", row.name) << row.ending << false;
         if (!onlyQueued.contains(row.ending))
@@ -225,7 +239,7 @@ void tst_ScreenCaptureWnd_odd_hosts::throwsFromItsSlot_data()
 {
     // Qt's handling of input and of closing is built without exceptions: it leaks its guards
     // when one passes through them.
-    endings({DoneButton, DoubleClick, DoubleClickOnTheCanvas, Escape, Close});
+    endings({DoneButton, DoubleClick, DoubleClickOnTheCanvas, Escape, Close, HideAndClose});
 }
 
 void tst_ScreenCaptureWnd_odd_hosts::throwsFromItsSlot()

@@ -273,6 +273,15 @@ void ScreenCaptureWnd::reject()
         deliver(QImage(), false);
 }
 
+// The dialog ends only what is visible, but who hides the window first waits for its result too.
+void ScreenCaptureWnd::closeEvent(QCloseEvent* event)
+{
+    if (isVisible())
+        QDialog::closeEvent(event);
+    else
+        reject();
+}
+
 // A host that connects directly may delete the window in its slot, or throw from it: nobody could
 // close an overlay that stayed open then.
 void ScreenCaptureWnd::deliver(const QImage& image, bool finished)

@@ -304,8 +304,6 @@ void ScreenCaptureWnd::beginAnnotating()
 
 void ScreenCaptureWnd::applyCheckedTool()
 {
-    if (!m_scribbleArea)
-        return;
     if (m_btnScribble->isChecked()) {
         m_checkedButton = m_btnScribble;
         m_scribbleArea->setPaintTypeToScribble();

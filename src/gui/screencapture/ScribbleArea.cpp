@@ -13,7 +13,6 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QTextEdit>
-#include <QTimerEvent>
 #include <QVector2D>
 #include <cstdlib>
 
@@ -300,12 +299,9 @@ void ScribbleArea::repaintParent(const QRect& changed)
     m_restTimer.start(kPointerRestMs, this);
 }
 
-void ScribbleArea::timerEvent(QTimerEvent* event)
+// The canvas has no other timer of its own.
+void ScribbleArea::timerEvent(QTimerEvent* /*event*/)
 {
-    if (event->timerId() != m_restTimer.timerId()) {
-        QWidget::timerEvent(event);
-        return;
-    }
     finishRepaintingParent();
 }
 
