@@ -386,6 +386,8 @@ int main(int argc, char** argv)
         result = measureIdle(subject, driver);
     else if (what == "pen")
         result = measureStroke(subject, driver, 0, BareOverlay::WholeWindow);
+    else if (what == "pen-changed")
+        result = measureStroke(subject, driver, 0, BareOverlay::Stroke);
     else if (what == "mosaic")
         result = measureStroke(subject, driver, 5, BareOverlay::WholeWindow);
     else if (what == "latency-drag")
