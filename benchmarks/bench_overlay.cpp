@@ -11,7 +11,6 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QLabel>
 #include <QMouseEvent>
 #include <QScreen>
 #include <QSlider>
@@ -207,11 +206,6 @@ double measureStroke(Subject& subject, Driver& driver, int tool, BareOverlay::Ki
 
 double measureFirstFrame(Subject& subject, Driver& driver)
 {
-    // Who asks for a capture has shown something already, and has its fonts loaded for that.
-    QLabel host("host");
-    host.move(screenSize().width() / 2, screenSize().height() / 2);
-    host.show();
-    QCoreApplication::processEvents();
     QElapsedTimer timer;
     double result = 0;
     // The desktop is white; dimmed it is something else, first and last of all in the corners.
