@@ -7,7 +7,8 @@ check_command() {
     case $1 in
         ./run) without_display ./run && [ -s out/result.png ] ;;
         # The suites themselves.
-        ./test) is_suite dev ;;
+        ./test) is_suite dev && is_suite asan ;;
+        './test dev') is_suite dev ;;
         # Too long to be run here; that they can be read, and understand what they are given.
         'tools/fuzz 600') bash -n tools/fuzz ;;
         tools/valgrind | tools/monkey | tools/soak) bash -n "$1" ;;
