@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QVariant>
+#include <new>
 
 namespace
 {
@@ -33,6 +34,19 @@ bool hasPlaceForSettings()
 {
     const QString& file = s_Helper.m_iniPath;
     return !file.isEmpty() && QFileInfo(file).dir().exists();
+}
+
+void loadColors()
+{
+    QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
+    settings.beginGroup(kColorGroup);
+    // Intended: every entry is loaded, and one that is no number is a transparent black. Only an
+    // entry without a name is left out, which Qt would warn of.
+    for (const QString& key : settings.allKeys()) {
+        if (!key.isEmpty())
+            s_Helper.m_penColors[key] = QColor::fromRgba(settings.value(key, QVariant()).toUInt());
+    }
+    settings.endGroup();
 }
 
 // A process killed between making the lock of the file and signing it leaves an empty one, for
@@ -60,15 +74,11 @@ void ScreenCaptureTool::init(const QString& dir)
     file.append(kSettingsFile);
     s_Helper.m_iniPath = QString::fromStdString(file.string());
 
-    QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
-    settings.beginGroup(kColorGroup);
-    // Intended: every entry is loaded, and one that is no number is a transparent black. Only an
-    // entry without a name is left out, which Qt would warn of.
-    for (const QString& key : settings.allKeys()) {
-        if (!key.isEmpty())
-            s_Helper.m_penColors[key] = QColor::fromRgba(settings.value(key, QVariant()).toUInt());
+    try {
+        loadColors();
+    } catch (const std::bad_alloc&) {
+        // Qt believes the sizes that the values of a damaged file claim. The colours stay.
     }
-    settings.endGroup();
 }
 
 void ScreenCaptureTool::penColor(ScreenCaptureToolColors& colors)
