@@ -46,6 +46,8 @@ This package holds the headers and what CMake and pkg-config need.")
 set(CPACK_DEBIAN_HOST_PACKAGE_NAME capture-host)
 set(CPACK_DEBIAN_HOST_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_HOST_PACKAGE_DEPENDS "${same_runtime}")
+# What Qt itself says to the user, in the languages of the host.
+set(CPACK_DEBIAN_HOST_PACKAGE_RECOMMENDS qttranslations5-l10n)
 set(CPACK_DEBIAN_HOST_DESCRIPTION "Screenshots of a region of the desktop, with annotations
 The desktop freezes, a region of it is dragged out, annotated with pen, text,
 arrow, rectangle, ellipse and mosaic, and copied or saved. Scripts can take
