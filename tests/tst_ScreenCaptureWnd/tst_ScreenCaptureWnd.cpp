@@ -2,6 +2,7 @@
 #include "AssertionProbe.h"
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
+#include "Painted.h"
 
 #include <QDesktopWidget>
 #include <QDir>
@@ -65,6 +66,7 @@ private slots:
     void leftPressStartsAnInvalidHiddenRectangle();
     void bandShowsFromThreePixelsOn_data();
     void bandShowsFromThreePixelsOn();
+    void bandRepaintsOnlyWhereItIs();
     void bandStaysVisibleWhenDraggedBack();
     void dragInAnyDirectionIsNormalized();
     void clickWithoutDragShowsTheToolBar();
@@ -439,6 +441,21 @@ void tst_ScreenCaptureWnd::bandShowsFromThreePixelsOn()
     capture.move(to);
     QCOMPARE(capture.region()->rect(), QRect(kFrom, to).normalized());
     QCOMPARE(capture.region()->isVisible(), visible);
+}
+
+void tst_ScreenCaptureWnd::bandRepaintsOnlyWhereItIs()
+{
+    CaptureProbe capture;
+    capture.window()->showFullDesktop(true);
+    QVERIFY(QTest::qWaitForWindowExposed(capture.window()));
+    capture.press(kFrom);
+    capture.move(kTo);
+    QCoreApplication::processEvents();
+    PaintCounter paints(*capture.window());
+    capture.move(kTo + QPoint(10, 10));
+    QTRY_VERIFY(paints.count > 0);
+    QVERIFY(paints.area.contains(kTo));
+    QVERIFY(!paints.area.contains(kFarOutside));
 }
 
 void tst_ScreenCaptureWnd::bandStaysVisibleWhenDraggedBack()
