@@ -86,6 +86,7 @@ private slots:
     void undoWhileIdleDoesNothing();
     void redoWithoutEditsDoesNothing();
     void resetStartsOver();
+    void resetBringsTheLoupeToTheCursor();
     void resetKeepsTheWindowOpen();
 
     void saveWritesAndStartsOver();
@@ -700,6 +701,17 @@ void tst_ScreenCaptureWnd::resetStartsOver()
     const QPoint middle = capture.region()->rect().center();
     capture.drag(middle, middle - QPoint(5, 5));
     QCOMPARE(capture.region()->rect().topLeft(), kFarOutside - QPoint(5, 5));
+}
+
+void tst_ScreenCaptureWnd::resetBringsTheLoupeToTheCursor()
+{
+    CaptureProbe capture;
+    capture.window()->showFullDesktop(true);
+    capture.drag(kFrom, kTo);
+    const QPoint cursor(50, 60);
+    QCursor::setPos(capture.window()->mapToGlobal(cursor));
+    capture.window()->reset();
+    QCOMPARE(capture.loupe()->pos(), cursor + QPoint(6, 26));
 }
 
 void tst_ScreenCaptureWnd::resetKeepsTheWindowOpen()
