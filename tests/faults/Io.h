@@ -28,6 +28,8 @@ public:
     int error = 0;
     /// What opening a file for writing fails with.
     int openForWritingError = 0;
+    /// What looking at a file fails with.
+    int statError = 0;
 };
 
 /// The most that a file of this process may have.

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -41,6 +42,14 @@ int openFile(const char* name, int flags, mode_t mode)
     return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, name, flags, mode));
 }
 
+bool cannotLook()
+{
+    if (!s_faults || s_faults->statError == 0)
+        return false;
+    errno = s_faults->statError;
+    return true;
+}
+
 } // namespace
 
 extern "C" {
@@ -71,6 +80,16 @@ int close(int file)
 {
     const int result = static_cast<int>(::syscall(SYS_close, file));
     return fails(&IoFaults::closesBeforeError) ? -1 : result;
+}
+
+int stat(const char* name, struct stat* status)
+{
+    return cannotLook() ? -1 : ::fstatat(AT_FDCWD, name, status, 0);
+}
+
+int stat64(const char* name, struct stat64* status)
+{
+    return cannotLook() ? -1 : ::fstatat64(AT_FDCWD, name, status, 0);
 }
 
 int open(const char* name, int flags, ...)
