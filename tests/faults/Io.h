@@ -7,11 +7,20 @@
 #include <sys/resource.h>
 #include <sys/types.h>
 
-/// What goes wrong with reading, writing and opening files while one lives. Needs IoFaults.cpp in
-/// the program, and is for one thread.
+/// What goes wrong with reading, writing and opening plain files while one lives. Needs
+/// IoFaults.cpp in the program, and is for one thread.
 class IoFaults
 {
 public:
+    /// A number of calls of each kind.
+    struct Calls {
+        int reads = 0;
+        int writes = 0;
+        int systemCopies = 0;
+        int closes = 0;
+        int opens = 0;
+    };
+
     IoFaults();
     ~IoFaults();
     IoFaults(const IoFaults&) = delete;
@@ -28,6 +37,11 @@ public:
     int error = 0;
     /// What opening a file for writing fails with.
     int openForWritingError = 0;
+
+    /// The calls that got no more than mostBytes where they asked for more.
+    Calls shortened;
+    /// The calls that got an error instead.
+    Calls failed;
 };
 
 /// The most that a file of this process may have.
