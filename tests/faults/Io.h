@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <climits>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
@@ -28,13 +29,15 @@ public:
 
     /// The most that one call reads or writes.
     std::size_t mostBytes = SIZE_MAX;
-    /// How many calls of its kind succeed before all further ones fail; negative: all do.
+    /// How many calls of its kind succeed before further ones fail; negative: all do.
     int readsBeforeError = -1;
     int writesBeforeError = -1;
     int systemCopiesBeforeError = -1;
     int closesBeforeError = -1;
     /// The error of those calls.
     int error = 0;
+    /// How many calls fail before all succeed again.
+    int mostErrors = INT_MAX;
     /// What opening a file for writing fails with.
     int openForWritingError = 0;
 

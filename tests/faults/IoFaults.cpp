@@ -32,6 +32,9 @@ bool fails(int file, int IoFaults::*callsBeforeError, int Calls::*kind)
         --(s_faults->*callsBeforeError);
         return false;
     }
+    if (s_faults->mostErrors == 0)
+        return false;
+    --s_faults->mostErrors;
     ++(s_faults->failed.*kind);
     return true;
 }
