@@ -1,17 +1,27 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <climits>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <sys/resource.h>
 #include <sys/types.h>
 
-/// What goes wrong with reading, writing and opening files while one lives. Needs IoFaults.cpp in
-/// the program, and is for one thread.
+/// What goes wrong with reading, writing and opening plain files while one lives. Needs
+/// IoFaults.cpp in the program, and is for one thread.
 class IoFaults
 {
 public:
+    /// A number of calls of each kind.
+    struct Calls {
+        int reads = 0;
+        int writes = 0;
+        int systemCopies = 0;
+        int closes = 0;
+        int opens = 0;
+    };
+
     IoFaults();
     ~IoFaults();
     IoFaults(const IoFaults&) = delete;
@@ -19,17 +29,24 @@ public:
 
     /// The most that one call reads or writes.
     std::size_t mostBytes = SIZE_MAX;
-    /// How many calls of its kind succeed before all further ones fail; negative: all do.
+    /// How many calls of its kind succeed before further ones fail; negative: all do.
     int readsBeforeError = -1;
     int writesBeforeError = -1;
     int systemCopiesBeforeError = -1;
     int closesBeforeError = -1;
     /// The error of those calls.
     int error = 0;
+    /// How many calls fail before all succeed again.
+    int mostErrors = INT_MAX;
     /// What opening a file for writing fails with.
     int openForWritingError = 0;
     /// What looking at a file fails with.
     int statError = 0;
+
+    /// The calls that got no more than mostBytes where they asked for more.
+    Calls shortened;
+    /// The calls that got an error instead.
+    Calls failed;
 };
 
 /// The most that a file of this process may have.

@@ -2,7 +2,6 @@
 // Stands before the C library's calls, for this program and the libraries that it loads.
 #include "Io.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <fcntl.h>
@@ -13,29 +12,55 @@
 namespace
 {
 
+using Calls = IoFaults::Calls;
+
 IoFaults* s_faults = nullptr;
 
-/// Counts a call of a kind, and tells whether it is one that fails.
-bool fails(int IoFaults::*callsBeforeError)
+/// What wakes an event loop is written and read too, and is no file.
+bool isMet(int file)
 {
-    if (!s_faults || s_faults->*callsBeforeError < 0)
+    struct stat status = {};
+    return s_faults && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+/// Counts a call of a kind, and tells whether it is one that fails.
+bool fails(int file, int IoFaults::*callsBeforeError, int Calls::*kind)
+{
+    if (!isMet(file) || s_faults->*callsBeforeError < 0)
         return false;
     if (s_faults->*callsBeforeError > 0) {
         --(s_faults->*callsBeforeError);
         return false;
     }
-    errno = s_faults->error;
+    if (s_faults->mostErrors == 0)
+        return false;
+    --s_faults->mostErrors;
+    ++(s_faults->failed.*kind);
     return true;
 }
 
-std::size_t atMost(std::size_t bytes)
+int error()
 {
-    return s_faults ? std::min(bytes, s_faults->mostBytes) : bytes;
+    errno = s_faults->error;
+    return -1;
+}
+
+/// Does `call` with no more bytes than one call gets, and counts it where it got those alone.
+template <typename Call>
+ssize_t cutShort(int file, std::size_t bytes, int Calls::*kind, Call call)
+{
+    if (!isMet(file) || bytes <= s_faults->mostBytes)
+        return call(bytes);
+    const ssize_t done = call(s_faults->mostBytes);
+    if (done > 0)
+        ++(s_faults->shortened.*kind);
+    return done;
 }
 
 int openFile(const char* name, int flags, mode_t mode)
 {
     if (s_faults && s_faults->openForWritingError != 0 && (flags & O_ACCMODE) != O_RDONLY) {
+        ++s_faults->failed.opens;
         errno = s_faults->openForWritingError;
         return -1;
     }
@@ -56,30 +81,35 @@ extern "C" {
 
 ssize_t read(int file, void* data, std::size_t bytes)
 {
-    if (fails(&IoFaults::readsBeforeError))
-        return -1;
-    return ::syscall(SYS_read, file, data, atMost(bytes));
+    if (fails(file, &IoFaults::readsBeforeError, &Calls::reads))
+        return error();
+    return cutShort(file, bytes, &Calls::reads,
+                    [=](std::size_t most) { return ::syscall(SYS_read, file, data, most); });
 }
 
 ssize_t write(int file, const void* data, std::size_t bytes)
 {
-    if (fails(&IoFaults::writesBeforeError))
-        return -1;
-    return ::syscall(SYS_write, file, data, atMost(bytes));
+    if (fails(file, &IoFaults::writesBeforeError, &Calls::writes))
+        return error();
+    return cutShort(file, bytes, &Calls::writes,
+                    [=](std::size_t most) { return ::syscall(SYS_write, file, data, most); });
 }
 
 ssize_t copy_file_range(int in, off64_t* inAt, int out, off64_t* outAt, std::size_t bytes,
                         unsigned flags)
 {
-    if (fails(&IoFaults::systemCopiesBeforeError))
-        return -1;
-    return ::syscall(SYS_copy_file_range, in, inAt, out, outAt, atMost(bytes), flags);
+    if (fails(out, &IoFaults::systemCopiesBeforeError, &Calls::systemCopies))
+        return error();
+    return cutShort(out, bytes, &Calls::systemCopies, [=](std::size_t most) {
+        return ::syscall(SYS_copy_file_range, in, inAt, out, outAt, most, flags);
+    });
 }
 
 int close(int file)
 {
+    const bool failed = fails(file, &IoFaults::closesBeforeError, &Calls::closes);
     const int result = static_cast<int>(::syscall(SYS_close, file));
-    return fails(&IoFaults::closesBeforeError) ? -1 : result;
+    return failed ? error() : result;
 }
 
 int stat(const char* name, struct stat* status)

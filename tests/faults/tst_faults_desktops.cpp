@@ -12,6 +12,7 @@ namespace
 {
 
 const QRect kRegion(QPoint(100, 80), QPoint(399, 279));
+const char* const kAnnotations[] = {"scribble", "Rectangle", "Mosaic"};
 
 /// A program that manages the display while one lives.
 class Manager
@@ -51,6 +52,24 @@ QImage asShown(const QImage& picture)
     return picture.convertToFormat(QImage::Format_RGB16).convertToFormat(QImage::Format_RGB32);
 }
 
+// Beside the region are its handles and the label that tells its size.
+constexpr int kHandlesPx = 10;
+constexpr int kLabelPx = 40;
+
+/// The dimmed desktop as the overlay shows it, without what lies on it: what is grabbed from the
+/// display, and what is painted back on it, has the display's depth.
+QImage dimmedAsShown(const QImage& picture)
+{
+    return asShown(dimmed(asShown(picture)));
+}
+
+QImage besideRegion(const CaptureProbe& capture, const QImage& overlay)
+{
+    const QRect region =
+        capture.region()->rect().adjusted(-kHandlesPx, -kLabelPx, kHandlesPx, kHandlesPx);
+    return without(without(overlay, region), capture.toolBar()->geometry());
+}
+
 } // namespace
 
 /// Whole captures on desktops of many kinds. SCREENCAPTURE_TEST_MANAGER names the program that
@@ -66,12 +85,15 @@ private slots:
     void cleanup();
     void overlayCoversTheDesktop();
     void regionIsDelivered();
-    void annotationsAreDeliveredAndUndone();
+    void annotationsAreUndone();
+    void annotationsAreDelivered();
     void windowRaisedAboveDoesNoHarm();
     void managerThatEndsInTheMiddle();
 
 private:
     void startManager();
+    /// The canvas after a stroke with a tool across it.
+    ScribbleArea* annotate(const char* tool);
 
     QScopedPointer<Manager> m_manager;
     QScopedPointer<Desktop> m_desktop;
@@ -133,6 +155,12 @@ void tst_faults_desktops::overlayCoversTheDesktop()
     const QPoint moved = m_capture->window()->mapToGlobal(QPoint(0, 0));
     QTRY_COMPARE(screenshot().copy(inside.translated(moved)),
                  asShown(m_desktop->picture()).copy(inside));
+    // Some window managers put a title bar above the overlay and so a part of it off the screen.
+    const QRect seen = screenRect().translated(-moved) & screenRect();
+    QVERIFY(seen.height() > screenRect().height() / 2);
+    QTRY_COMPARE(
+        besideRegion(*m_capture, screenshot().copy(screenRect().translated(moved))).copy(seen),
+        besideRegion(*m_capture, dimmedAsShown(m_desktop->picture())).copy(seen));
 }
 
 void tst_faults_desktops::regionIsDelivered()
@@ -146,35 +174,51 @@ void tst_faults_desktops::regionIsDelivered()
     QTRY_COMPARE(screenshot(), asShown(m_desktop->picture()));
 }
 
-void tst_faults_desktops::annotationsAreDeliveredAndUndone()
+ScribbleArea* tst_faults_desktops::annotate(const char* tool)
+{
+    for (QPushButton* button : m_capture->toolBar()->findChildren<QPushButton*>()) {
+        if (button->toolTip() == tool)
+            button->click();
+    }
+    auto* canvas = m_capture->window()->findChild<ScribbleArea*>();
+    QTest::mousePress(canvas, Qt::LeftButton, {}, QPoint(50, 50));
+    QMouseEvent move(QEvent::MouseMove, QPoint(150, 120), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(canvas, &move);
+    QTest::mouseRelease(canvas, Qt::LeftButton, {}, QPoint(150, 120));
+    canvas->completeScribble();
+    return canvas;
+}
+
+void tst_faults_desktops::annotationsAreUndone()
 {
     m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
-    const QList<QPushButton*> buttons = m_capture->toolBar()->findChildren<QPushButton*>();
-    const auto click = [&](const QString& toolTip) {
-        for (QPushButton* button : buttons) {
-            if (button->toolTip() == toolTip)
-                button->click();
-        }
-    };
-    for (const char* tool : {"scribble", "Rectangle", "Mosaic"}) {
-        click(tool);
-        auto* canvas = m_capture->window()->findChild<ScribbleArea*>();
-        const QImage before = canvas->image();
-        QTest::mousePress(canvas, Qt::LeftButton, {}, QPoint(50, 50));
-        QMouseEvent move(QEvent::MouseMove, QPoint(150, 120), Qt::NoButton, Qt::LeftButton,
-                         Qt::NoModifier);
-        QApplication::sendEvent(canvas, &move);
-        QTest::mouseRelease(canvas, Qt::LeftButton, {}, QPoint(150, 120));
-        canvas->completeScribble();
-        QVERIFY2(canvas->image() != before, tool);
+    const QImage selected = asShown(m_desktop->picture()).copy(kRegion);
+    for (const char* tool : kAnnotations) {
+        ScribbleArea* const canvas = annotate(tool);
+        QVERIFY2(canvas->image() != selected, tool);
         while (canvas->canUndo())
             canvas->undo();
-        QVERIFY2(canvas->image() == before, tool);
+        QVERIFY2(canvas->image() == selected, tool);
     }
     m_capture->window()->onBtnSend();
     QTRY_COMPARE(m_receiver.count, 1);
-    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32),
-             asShown(m_desktop->picture()).copy(kRegion));
+    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32), selected);
+}
+
+void tst_faults_desktops::annotationsAreDelivered()
+{
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    QImage annotated = asShown(m_desktop->picture()).copy(kRegion);
+    for (const char* tool : kAnnotations) {
+        const QImage before = annotated;
+        annotated = annotate(tool)->image().copy();
+        QVERIFY2(annotated != before, tool);
+    }
+    m_capture->window()->onBtnSend();
+    QTRY_COMPARE(m_receiver.count, 1);
+    QVERIFY(m_receiver.finished);
+    QCOMPARE(m_receiver.image, annotated);
 }
 
 // Not every window manager keeps the overlay on top.

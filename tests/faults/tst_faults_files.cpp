@@ -62,14 +62,18 @@ void tst_faults_files::shortReadsAndWritesLoseNothing()
     const std::string contents = noise(kContentsBytes);
     writeFile(scratch.path("from"), contents);
     bool ok = false;
+    IoFaults::Calls shortened;
     {
         IoFaults faults;
         faults.mostBytes = static_cast<std::size_t>(mostBytes);
         faults.error = EXDEV;
         faults.systemCopiesBeforeError = bySystem ? -1 : kNever;
         ok = myfs::copy_regular_file(scratch.path("from"), scratch.path("to"), false);
+        shortened = faults.shortened;
     }
     QVERIFY(ok);
+    QCOMPARE(shortened.systemCopies > 0, bySystem);
+    QCOMPARE(shortened.reads > 0, !bySystem);
     QVERIFY(readFile(scratch.path("to")) == contents);
 }
 
@@ -89,14 +93,17 @@ void tst_faults_files::systemThatStopsCopyingLosesNothing()
     const std::string contents = noise(kContentsBytes);
     writeFile(scratch.path("from"), contents);
     bool ok = false;
+    IoFaults::Calls failed;
     {
         IoFaults faults;
         faults.mostBytes = 1000;
         faults.error = error;
         faults.systemCopiesBeforeError = 3;
         ok = myfs::copy_regular_file(scratch.path("from"), scratch.path("to"), false);
+        failed = faults.failed;
     }
     QVERIFY(ok);
+    QVERIFY(failed.systemCopies > 0);
     QVERIFY(readFile(scratch.path("to")) == contents);
 }
 
@@ -126,6 +133,7 @@ void tst_faults_files::failureEndsTheCopy()
     const auto open = openFiles();
     bool ok = true;
     std::error_code code;
+    IoFaults::Calls failed;
     {
         IoFaults faults;
         faults.mostBytes = 1000;
@@ -138,8 +146,12 @@ void tst_faults_files::failureEndsTheCopy()
         else
             faults.closesBeforeError = call.startsWith("second") ? 1 : 0;
         ok = myfs::copy_regular_file(scratch.path("from"), scratch.path("to"), false, code);
+        failed = faults.failed;
     }
     QVERIFY(!ok);
+    QVERIFY((call.endsWith("read")    ? failed.reads
+             : call.endsWith("write") ? failed.writes
+                                      : failed.closes) > 0);
     QCOMPARE(code.value(), error);
     QVERIFY(readFile(scratch.path("to")) == contents.substr(0, std::size_t(copiedBytes)));
     QCOMPARE(openFiles(), open);
@@ -163,12 +175,15 @@ void tst_faults_files::readOnlyTargetIsReportedInTheCodeAlone()
     const auto open = openFiles();
     bool ok = false;
     std::error_code code;
+    IoFaults::Calls failed;
     {
         IoFaults faults;
         faults.openForWritingError = error;
         ok = myfs::copy_regular_file(scratch.path("from"), scratch.path("to"), false, code);
+        failed = faults.failed;
     }
     QVERIFY(ok);
+    QCOMPARE(failed.opens, 1);
     QCOMPARE(code.value(), error);
     QCOMPARE(readFile(scratch.path("to")), std::string("before"));
     QCOMPARE(openFiles(), open);

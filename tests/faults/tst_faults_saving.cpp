@@ -3,11 +3,13 @@
 #include "CaptureProbe.h"
 #include "Files.h"
 #include "Io.h"
-#include "Skip.h"
 
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QRandomGenerator>
 #include <QTimer>
+#include <cerrno>
+#include <functional>
 
 struct ScreenCaptureWndAccess {
     static void setDesktop(ScreenCaptureWnd* window, const QImage& desktop)
@@ -23,6 +25,26 @@ constexpr QSize kDesktopSize(800, 600);
 const QRect kRegion(QPoint(20, 20), QPoint(219, 169));
 /// Some of a picture's file, not all of it.
 constexpr rlim_t kSomeBytes = 100;
+/// Fewer than Qt writes at once.
+constexpr std::size_t kShortBytes = 1000;
+const char* const kSuffixes[] = {"png", "jpg", "bmp"};
+
+/// Noise, so that its file is written in more than one piece.
+QImage desktopPicture()
+{
+    QImage picture(kDesktopSize, QImage::Format_RGB32);
+    QRandomGenerator random(17);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            picture.setPixel(x, y, 0xff000000u | random.generate());
+    }
+    return picture;
+}
+
+QImage read(const std::string& name)
+{
+    return QImage(QString::fromStdString(name)).convertToFormat(QImage::Format_RGB32);
+}
 
 } // namespace
 
@@ -37,12 +59,20 @@ private slots:
     void cleanup();
     void fileSizeLimit_data();
     void fileSizeLimit();
-    void fullDisk();
+    void fileThatCannotBeOpened_data();
+    void fileThatCannotBeOpened();
+    void failedWrite_data();
+    void failedWrite();
+    void writesCutShort_data();
+    void writesCutShort();
     void vanishedDirectory();
     void directoryBelowAPlainFile();
 
 private:
-    void saveAs(const std::string& name);
+    /// Calls `onceNamed` when the dialog is gone with all that it writes itself.
+    void saveAs(
+        const std::string& name, const std::function<void()>& onceNamed = [] {});
+    void selectAgainAndSave(const std::string& name);
     void selectAgainAndDeliver();
 
     QScopedPointer<CaptureProbe> m_capture;
@@ -54,9 +84,7 @@ void tst_faults_saving::init()
     BehaviourTest::init();
     m_capture.reset(new CaptureProbe);
     m_capture->window()->showFullDesktop(true);
-    m_desktop = QImage(kDesktopSize, QImage::Format_RGB32);
-    m_desktop.fill(Qt::darkGreen);
-    m_desktop.setPixel(kRegion.center(), 0xffffffffu);
+    m_desktop = desktopPicture();
     ScreenCaptureWndAccess::setDesktop(m_capture->window(), m_desktop);
     m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
 }
@@ -67,18 +95,29 @@ void tst_faults_saving::cleanup()
     BehaviourTest::cleanup();
 }
 
-void tst_faults_saving::saveAs(const std::string& name)
+void tst_faults_saving::saveAs(const std::string& name, const std::function<void()>& onceNamed)
 {
     QTimer::singleShot(0, qApp, [&] {
         auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
         // The dialog itself would refuse some of these names.
         dialog->setFileMode(QFileDialog::AnyFile);
         dialog->findChild<QLineEdit*>()->setText(QString::fromStdString(name));
+        connect(dialog, &QObject::destroyed, qApp, onceNamed);
         static_cast<QDialog*>(dialog)->done(QDialog::Accepted);
     });
     m_capture->window()->save();
     QVERIFY(m_capture->window()->isVisible());
     QVERIFY(!m_capture->region()->isVisible());
+    QVERIFY(!QApplication::activeModalWidget());
+}
+
+void tst_faults_saving::selectAgainAndSave(const std::string& name)
+{
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    saveAs(name);
+    QCOMPARE(read(name).size(), kRegion.size());
+    if (!QString::fromStdString(name).endsWith("jpg"))
+        QVERIFY(read(name) == m_desktop.copy(kRegion));
 }
 
 void tst_faults_saving::selectAgainAndDeliver()
@@ -95,9 +134,8 @@ void tst_faults_saving::selectAgainAndDeliver()
 void tst_faults_saving::fileSizeLimit_data()
 {
     QTest::addColumn<QString>("suffix");
-    QTest::newRow("PNG") << "png";
-    QTest::newRow("JPEG") << "jpg";
-    QTest::newRow("BMP") << "bmp";
+    for (const char* suffix : kSuffixes)
+        QTest::newRow(suffix) << suffix;
 }
 
 void tst_faults_saving::fileSizeLimit()
@@ -110,24 +148,105 @@ void tst_faults_saving::fileSizeLimit()
         saveAs(name);
     }
     QVERIFY(readFile(name).size() <= kSomeBytes);
-    // Selected once more it is saved.
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
-    saveAs(name);
-    QCOMPARE(QImage(QString::fromStdString(name)).size(), kRegion.size());
-    QVERIFY(readFile(name).size() > kSomeBytes);
+    selectAgainAndSave(name);
     selectAgainAndDeliver();
 }
 
-void tst_faults_saving::fullDisk()
+void tst_faults_saving::fileThatCannotBeOpened_data()
 {
-    struct stat status = {};
-    if (::stat("/dev/full", &status) != 0 || !S_ISCHR(status.st_mode))
-        SKIP_BECAUSE("the system has no device /dev/full");
+    QTest::addColumn<int>("error");
+    QTest::newRow("read-only file system") << EROFS;
+    QTest::newRow("no permission") << EACCES;
+}
+
+void tst_faults_saving::fileThatCannotBeOpened()
+{
+    QFETCH(int, error);
     const Scratch scratch;
-    // Written through a link, so that nothing but the link can be removed.
-    QCOMPARE(::symlink("/dev/full", scratch.path("picture.bmp").c_str()), 0);
-    saveAs(scratch.path("picture.bmp"));
-    QVERIFY(::stat("/dev/full", &status) == 0 && S_ISCHR(status.st_mode));
+    const std::string name = scratch.path("picture.png");
+    writeFile(name, "before");
+    QScopedPointer<IoFaults> faults;
+    saveAs(name, [&] {
+        faults.reset(new IoFaults);
+        faults->openForWritingError = error;
+    });
+    QVERIFY(faults);
+    QVERIFY(faults->failed.opens > 0);
+    faults.reset();
+    QCOMPARE(readFile(name), std::string("before"));
+    selectAgainAndSave(name);
+    selectAgainAndDeliver();
+}
+
+void tst_faults_saving::failedWrite_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::addColumn<int>("writesBefore");
+    QTest::addColumn<int>("error");
+    for (const char* suffix : kSuffixes) {
+        QTest::addRow("%s, disk full at once", suffix) << suffix << 0 << ENOSPC;
+        QTest::addRow("%s, disk full at the third write", suffix) << suffix << 2 << ENOSPC;
+        QTest::addRow("%s, input and output", suffix) << suffix << 0 << EIO;
+        QTest::addRow("%s, input and output at the second write", suffix) << suffix << 1 << EIO;
+    }
+}
+
+void tst_faults_saving::failedWrite()
+{
+    QFETCH(QString, suffix);
+    QFETCH(int, writesBefore);
+    QFETCH(int, error);
+    const Scratch scratch;
+    const std::string name = scratch.path("picture." + suffix.toStdString());
+    QScopedPointer<IoFaults> faults;
+    saveAs(name, [&] {
+        faults.reset(new IoFaults);
+        faults->error = error;
+        faults->writesBeforeError = writesBefore;
+        faults->mostBytes = kShortBytes;
+    });
+    QVERIFY(faults);
+    QVERIFY(faults->failed.writes > 0);
+    faults.reset();
+    QVERIFY(readFile(name).size() <= std::size_t(writesBefore) * kShortBytes);
+    selectAgainAndSave(name);
+    selectAgainAndDeliver();
+}
+
+void tst_faults_saving::writesCutShort_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::addColumn<int>("mostBytes");
+    QTest::addColumn<int>("interruptions");
+    for (const char* suffix : kSuffixes) {
+        QTest::addRow("%s, short", suffix) << suffix << int(kShortBytes) << 0;
+        QTest::addRow("%s, interrupted", suffix) << suffix << INT_MAX << 3;
+        QTest::addRow("%s, both", suffix) << suffix << int(kShortBytes) << 3;
+    }
+}
+
+void tst_faults_saving::writesCutShort()
+{
+    QFETCH(QString, suffix);
+    QFETCH(int, mostBytes);
+    QFETCH(int, interruptions);
+    const Scratch scratch;
+    const std::string name = scratch.path("picture." + suffix.toStdString());
+    const std::string undisturbed = scratch.path("undisturbed." + suffix.toStdString());
+    QScopedPointer<IoFaults> faults;
+    saveAs(name, [&] {
+        faults.reset(new IoFaults);
+        faults->mostBytes = std::size_t(mostBytes);
+        faults->error = EINTR;
+        faults->writesBeforeError = 1;
+        faults->mostErrors = interruptions;
+    });
+    QVERIFY(faults);
+    QCOMPARE(faults->failed.writes, interruptions);
+    QCOMPARE(faults->shortened.writes > 0, mostBytes < INT_MAX);
+    faults.reset();
+    selectAgainAndSave(undisturbed);
+    QVERIFY(readFile(name) == readFile(undisturbed));
     selectAgainAndDeliver();
 }
 

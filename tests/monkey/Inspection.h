@@ -58,6 +58,11 @@ struct ScreenCaptureWndAccess {
         return complaintAboutCanvas(w);
     }
 
+    static bool offersRedoInVain(const ScreenCaptureWnd& w)
+    {
+        return w.m_btnRedo->isEnabled() && !(w.m_scribbleArea && w.m_scribbleArea->canRedo());
+    }
+
 private:
     static int checkedTools(const ScreenCaptureWnd& w)
     {

@@ -192,11 +192,26 @@ void Monkey::inspect()
         m_complaint = ScreenCaptureWndAccess::complaint(*m_window);
     else if (ScreenCaptureWndAccess::exists())
         m_complaint = "the one window is gone and still there";
+    else if (m_captures > 0 && m_signals == 0)
+        m_complaint = "the window is gone without a signal";
+}
+
+// A canvas that was pressed has been asked by now. One that commits because the host asks for the
+// picture is asked when it is pressed next.
+void Monkey::inspectRedo()
+{
+    if (!m_window || m_signals > 0 || !m_complaint.isEmpty())
+        return;
+    if (!ScreenCaptureWndAccess::offersRedoInVain(*m_window))
+        m_hostAskedForPicture = false;
+    else if (!m_hostAskedForPicture)
+        m_complaint = "redo is offered and there is nothing to redo";
 }
 
 void Monkey::settle()
 {
     meetServer();
+    inspectRedo();
     if (m_signals > 0 && !once(4))
         buryWindow();
     inspect();
@@ -217,11 +232,26 @@ void Monkey::beginCapture()
     m_held = {};
     m_signals = 0;
     m_mayDeliver = true;
+    m_hostAskedForPicture = false;
     ++m_captures;
-    connect(m_window, &ScreenCaptureWnd::captureFinished, this, [this] { ++m_signals; });
+    connect(m_window, &ScreenCaptureWnd::captureFinished, this, &Monkey::onFinished);
     m_window->connectTo(this, SLOT(onCaptured(QImage, bool)));
     m_window->showFullDesktop(true);
     send("begin", [this] { meetServer(); });
+}
+
+void Monkey::onFinished(const QImage& picture, bool finished)
+{
+    ++m_signals;
+    const auto* region = m_window->findChild<ResizableRect*>();
+    const bool hasPicture = finished && region->isVisible() && !region->rect().isEmpty();
+    const QSize expected = hasPicture ? region->rect().size() : QSize(0, 0);
+    if (m_complaint.isEmpty() && picture.size() != expected)
+        m_complaint = QString("a picture of %1 x %2 for a region of %3 x %4")
+                          .arg(picture.width())
+                          .arg(picture.height())
+                          .arg(expected.width())
+                          .arg(expected.height());
 }
 
 void Monkey::onCaptured(const QImage& picture, bool finished)
@@ -523,9 +553,10 @@ void Monkey::askAsHost()
             m_window->undo();
         else if (question < 12)
             m_window->redo();
-        else if (question < 18)
+        else if (question < 18) {
             m_window->scribbledImage();
-        else
+            m_hostAskedForPicture = true;
+        } else
             m_window->captureImage();
     });
 }

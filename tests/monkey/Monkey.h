@@ -42,6 +42,10 @@ public:
 public slots:
     void onCaptured(const QImage& picture, bool finished);
 
+private slots:
+    /// Runs while the window is still what the user sees.
+    void onFinished(const QImage& picture, bool finished);
+
 private:
     struct Action {
         int weight;
@@ -62,6 +66,7 @@ private:
     void keep(const QString& what);
     void meetServer();
     void inspect();
+    void inspectRedo();
     void settle();
     void buryWindow();
     void beginCapture();
@@ -115,6 +120,7 @@ private:
     int m_deliveries = 0;
     int m_signals = 0;
     bool m_mayDeliver = false;
+    bool m_hostAskedForPicture = false;
     QString m_complaint;
     QStringList m_last;
     QPointer<ScreenCaptureWnd> m_window;

@@ -77,6 +77,7 @@ void countObjects()
 Holdings Holdings::now()
 {
     Holdings holdings;
+    holdings.untrimmedBytes = ::residentBytes();
     // What is free but not given back to the system is not held.
     malloc_trim(0);
     holdings.residentBytes = ::residentBytes();
@@ -87,6 +88,19 @@ Holdings Holdings::now()
     for (const auto& kind : serverHoldings())
         holdings.counts["X " + QString::fromStdString(kind.first)] = kind.second;
     return holdings;
+}
+
+QString Holdings::missing() const
+{
+    QString text;
+    if (residentBytes <= 0)
+        text += "memory: not told\n";
+    for (const char* const kind :
+         {"objects", "widgets", "open files", "X WINDOW", "X PIXMAP", "X pixmap bytes"}) {
+        if (counts.value(kind) <= 0)
+            text += QString("%1: not told\n").arg(kind);
+    }
+    return text;
 }
 
 QString Holdings::growthUntil(const Holdings& later) const
@@ -102,7 +116,9 @@ QString Holdings::growthUntil(const Holdings& later) const
 
 QString Holdings::text() const
 {
-    QString text = QString("memory %1 KiB").arg(residentBytes / 1024);
+    QString text = QString("memory %1 KiB, untrimmed %2 KiB")
+                       .arg(residentBytes / 1024)
+                       .arg(untrimmedBytes / 1024);
     for (auto it = counts.begin(); it != counts.end(); ++it)
         text += QString(", %1 %2").arg(it.key()).arg(it.value());
     return text;
