@@ -15,7 +15,8 @@ namespace
 
 constexpr int kPatienceMs = 10000;
 constexpr int kDragSteps = 8;
-constexpr unsigned long kWhite = 0xffffffUL;
+/// White below black of alpha 100.
+constexpr unsigned long kDimmedWhite = 0x9b9b9bUL;
 constexpr unsigned long kColorMask = 0xffffffUL;
 
 } // namespace
@@ -85,7 +86,7 @@ void Driver::waitForDimmedCorners()
     timer.start();
     for (const QPoint& corner :
          {QPoint(0, 0), QPoint(right, 0), QPoint(0, bottom), QPoint(right, bottom)}) {
-        while (pixel(corner) == kWhite) {
+        while (pixel(corner) != kDimmedWhite) {
             if (timer.elapsed() > kPatienceMs)
                 qFatal("the screen was not dimmed");
         }

@@ -20,12 +20,19 @@
 #include <cstdio>
 #include <ctime>
 #include <functional>
+#include <vector>
 
 namespace
 {
 
+/// Tool buttons by their number from the left.
+constexpr int kNoTool = -1;
+constexpr int kPen = 0;
+constexpr int kMosaic = 5;
 constexpr int kMoves = 120;
 constexpr int kMovesPerSecond = 60;
+constexpr int kSlowMoves = 40;
+constexpr int kSlowMovesPerSecond = 12;
 
 QSize screenSize()
 {
@@ -96,7 +103,8 @@ QPoint onTheWay(const QPoint& from, const QPoint& to, int step)
     return from + (to - from) * (1.0 - part);
 }
 
-double processorTimePerMove(Driver& driver, const QPoint& from, const QPoint& to)
+double processorTimePerMove(Driver& driver, const QPoint& from, const QPoint& to,
+                            int moves = kMoves, int movesPerSecond = kMovesPerSecond)
 {
     double spent = 0;
     const auto now = [&spent](double sign) {
@@ -106,13 +114,13 @@ double processorTimePerMove(Driver& driver, const QPoint& from, const QPoint& to
     driver.moveTo(from);
     driver.settle();
     now(-1);
-    for (int step = 0; step < kMoves; ++step) {
+    for (int step = 0; step < moves; ++step) {
         driver.moveTo(onTheWay(from, to, step));
-        QThread::usleep(1000000 / kMovesPerSecond);
+        QThread::usleep(1000000UL / unsigned(movesPerSecond));
     }
     driver.settle();
     now(+1);
-    return spent / kMoves;
+    return spent / moves;
 }
 
 void selectThreeQuarters(Driver& driver, const QSize& size)
@@ -174,7 +182,8 @@ double measureIdle(Subject& subject, Driver& driver)
     return result;
 }
 
-double measureStroke(Subject& subject, Driver& driver, int tool, BareOverlay::Kind kind)
+double measureStroke(Subject& subject, Driver& driver, int tool, BareOverlay::Kind kind,
+                     int moves = kMoves, int movesPerSecond = kMovesPerSecond)
 {
     subject.show(kind);
     double result = 0;
@@ -189,7 +198,7 @@ double measureStroke(Subject& subject, Driver& driver, int tool, BareOverlay::Ki
                     subject.chooseTool(tool);
                     // Both sliders to their end: brush 45.
                     for (QSlider* slider : subject.window()->findChildren<QSlider*>())
-                        if (slider->maximum() == 30 && tool == 5)
+                        if (slider->maximum() == 30 && tool == kMosaic)
                             slider->setValue(30);
                 },
                 Qt::BlockingQueuedConnection);
@@ -198,7 +207,8 @@ double measureStroke(Subject& subject, Driver& driver, int tool, BareOverlay::Ki
         driver.settle();
         driver.press();
         result = processorTimePerMove(driver, QPoint(size.width() / 8, size.height() / 8),
-                                      QPoint(size.width() * 7 / 8, size.height() * 3 / 4));
+                                      QPoint(size.width() * 7 / 8, size.height() * 3 / 4), moves,
+                                      movesPerSecond);
         driver.release();
     });
     return result;
@@ -274,12 +284,13 @@ double megabytes(const QSize& size)
 
 // A capture with a region dragged out, above what an empty program takes. The floor is the desktop
 // picture and what the window is painted into.
-double measurePeakMemory(Subject& subject, Driver& driver)
+double measurePeakMemory(Subject& subject, Driver& driver, const std::vector<int>& tools)
 {
     if (!subject.isLibrary())
         return 2 * megabytes(screenSize());
     QWidget empty;
-    empty.resize(100, 100);
+    // Away from the corners, which tell when the desktop is dimmed.
+    empty.setGeometry(QRect(QPoint(300, 300), QSize(100, 100)));
     empty.show();
     QCoreApplication::processEvents();
     const double before = memoryMb("VmHWM:");
@@ -287,6 +298,13 @@ double measurePeakMemory(Subject& subject, Driver& driver)
     whileDriving([&] {
         driver.waitForWindow();
         selectThreeQuarters(driver, screenSize());
+        for (const int tool : tools) {
+            QMetaObject::invokeMethod(
+                qApp, [&] { subject.chooseTool(tool); }, Qt::BlockingQueuedConnection);
+            driver.drag(QPoint(screenSize().width() / 8, screenSize().height() / 8),
+                        QPoint(screenSize().width() / 2, screenSize().height() / 2));
+        }
+        driver.settle();
     });
     return memoryMb("VmHWM:") - before;
 }
@@ -311,7 +329,7 @@ double measureStrokesMemory(Subject& subject, Driver& driver)
         driver.waitForWindow();
         selectThreeQuarters(driver, screenSize());
     });
-    subject.chooseTool(0);
+    subject.chooseTool(kPen);
     auto* canvas = subject.window()->findChild<ScribbleArea*>();
     const auto stroke = [canvas](int i) {
         const QPoint from(10 + (i % 5) * 310, 10 + (i / 5 % 3) * 310);
@@ -352,7 +370,8 @@ double measureDone(Subject& subject, Driver& driver)
         loop.exec();
     } else {
         const QSize size = screenSize();
-        const QImage desktop(size, QImage::Format_RGB32);
+        QImage desktop(size, QImage::Format_RGB32);
+        desktop.fill(Qt::white);
         timer.start();
         const QImage region = desktop.copy(QRect(size.width() / 16, size.height() / 16,
                                                  size.width() * 7 / 8, size.height() * 3 / 4));
@@ -385,21 +404,26 @@ int main(int argc, char** argv)
     else if (what == "idle")
         result = measureIdle(subject, driver);
     else if (what == "pen")
-        result = measureStroke(subject, driver, 0, BareOverlay::WholeWindow);
+        result = measureStroke(subject, driver, kPen, BareOverlay::WholeWindow);
     else if (what == "pen-changed")
-        result = measureStroke(subject, driver, 0, BareOverlay::Stroke);
+        result = measureStroke(subject, driver, kPen, BareOverlay::Stroke);
+    else if (what == "pen-slow")
+        result = measureStroke(subject, driver, kPen, BareOverlay::WholeWindow, kSlowMoves,
+                               kSlowMovesPerSecond);
     else if (what == "mosaic")
-        result = measureStroke(subject, driver, 5, BareOverlay::WholeWindow);
+        result = measureStroke(subject, driver, kMosaic, BareOverlay::WholeWindow);
     else if (what == "latency-drag")
-        result = measureLatency(subject, driver, -1, BareOverlay::Selecting, 0.5);
+        result = measureLatency(subject, driver, kNoTool, BareOverlay::Selecting, 0.5);
     else if (what == "latency-drag-95")
-        result = measureLatency(subject, driver, -1, BareOverlay::Selecting, 0.95);
+        result = measureLatency(subject, driver, kNoTool, BareOverlay::Selecting, 0.95);
     else if (what == "latency-pen")
-        result = measureLatency(subject, driver, 0, BareOverlay::Stroke, 0.5);
+        result = measureLatency(subject, driver, kPen, BareOverlay::Stroke, 0.5);
     else if (what == "latency-pen-95")
-        result = measureLatency(subject, driver, 0, BareOverlay::Stroke, 0.95);
+        result = measureLatency(subject, driver, kPen, BareOverlay::Stroke, 0.95);
     else if (what == "peak-memory")
-        result = measurePeakMemory(subject, driver);
+        result = measurePeakMemory(subject, driver, {});
+    else if (what == "peak-memory-annotated")
+        result = measurePeakMemory(subject, driver, {kPen, kMosaic});
     else if (what == "strokes-memory")
         result = measureStrokesMemory(subject, driver);
     else if (what == "done")

@@ -6,7 +6,8 @@ set(CPACK_PACKAGE_NAME screencapture)
 set(CPACK_PACKAGE_CONTACT "ScreenCapture developers <developers@screencapture.invalid>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-# The project's description is the first line of each package's.
+# Each description begins with a line of its own.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_COMPONENTS_ALL runtime development host)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -22,7 +23,8 @@ set(same_runtime "${runtime_package} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAG
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "The desktop freezes, a region of it is dragged out, annotated with pen, text,
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION} - library
+The desktop freezes, a region of it is dragged out, annotated with pen, text,
 arrow, rectangle, ellipse and mosaic, and handed to the application.
 
 This package holds the shared library and its translations.")
@@ -35,7 +37,8 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libscreencapture-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${same_runtime}, qtbase5-dev")
-set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "The desktop freezes, a region of it is dragged out, annotated with pen, text,
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${PROJECT_DESCRIPTION} - development
+The desktop freezes, a region of it is dragged out, annotated with pen, text,
 arrow, rectangle, ellipse and mosaic, and handed to the application.
 
 This package holds the headers and what CMake and pkg-config need.")
@@ -43,7 +46,10 @@ This package holds the headers and what CMake and pkg-config need.")
 set(CPACK_DEBIAN_HOST_PACKAGE_NAME capture-host)
 set(CPACK_DEBIAN_HOST_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_HOST_PACKAGE_DEPENDS "${same_runtime}")
-set(CPACK_DEBIAN_HOST_DESCRIPTION "The desktop freezes, a region of it is dragged out, annotated with pen, text,
+# What Qt itself says to the user, in the languages of the host.
+set(CPACK_DEBIAN_HOST_PACKAGE_RECOMMENDS qttranslations5-l10n)
+set(CPACK_DEBIAN_HOST_DESCRIPTION "Screenshots of a region of the desktop, with annotations
+The desktop freezes, a region of it is dragged out, annotated with pen, text,
 arrow, rectangle, ellipse and mosaic, and copied or saved. Scripts can take
 one capture from the command line.")
 

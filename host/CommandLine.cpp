@@ -38,7 +38,8 @@ void CommandLine::parse(const QStringList& arguments)
     const QCommandLineOption clipboard(
         "clipboard", tr("With --once: put the picture on the clipboard and stay until another "
                         "program takes the clipboard over."));
-    const QCommandLineOption delay("delay", tr("Wait so long before the capture."), "SECONDS", "0");
+    const QCommandLineOption delay("delay", tr("Wait that long before the capture."), "SECONDS",
+                                   "0");
     const QCommandLineOption settings(
         "settings", tr("Keep the settings in DIR, which is created if missing."), "DIR");
     const QCommandLineOption help({"h", "help"}, tr("Show this help."));

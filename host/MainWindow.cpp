@@ -98,7 +98,8 @@ void MainWindow::saveAs()
         QMessageBox::warning(this, tr("Save as"), tr("Cannot write '%1'.").arg(name));
 }
 
-// Qt would also quit when the library's window is the last one to close; here only this one counts.
+// The program does not end with its last window, for this one is hidden during a capture: only its
+// being closed counts.
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     QMainWindow::closeEvent(event);

@@ -16,7 +16,7 @@
         <translation>Avec --once : mettre l’image dans le presse-papiers et rester jusqu’à ce qu’un autre programme le reprenne.</translation>
     </message>
     <message>
-        <source>Wait so long before the capture.</source>
+        <source>Wait that long before the capture.</source>
         <translation>Attendre ce temps avant la capture.</translation>
     </message>
     <message>

@@ -16,7 +16,7 @@
         <translation>与 --once 一起使用:将图片放入剪贴板,并等到其他程序接管剪贴板为止。</translation>
     </message>
     <message>
-        <source>Wait so long before the capture.</source>
+        <source>Wait that long before the capture.</source>
         <translation>截图前等待的时间。</translation>
     </message>
     <message>

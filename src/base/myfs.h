@@ -189,12 +189,13 @@ SCREENCAPTURE_EXPORT std::vector<std::string> tokenize(const std::string& text,
 SCREENCAPTURE_EXPORT void path_to_string(const std::vector<std::string>& components,
                                          std::string& out, bool absolute, path::SYSPATHTYPE type);
 
-// File operations
-//
-// Functions return whether they succeeded, or the sentinel that they name; none throws but
-// current_path() and absolute(). The error code is made from `errno` with the system category.
-// Queries (exists, is_directory, is_regular_file) set it only when they fail. Actions set it in any
-// case, on success to whatever `errno` held: judge them by what they return, never by the code.
+/// \name File operations
+/// Functions return whether they succeeded, or the sentinel that they name; none throws but
+/// current_path(), initial_path() and absolute(). The error code is made from `errno` with the
+/// system category. Queries (exists, is_directory, is_regular_file) set it only when they fail.
+/// Actions set it in any case, on success to whatever `errno` held: judge them by what they return,
+/// never by the code.
+/// @{
 
 /// The bytes of a file system.
 struct disk_space {
@@ -300,7 +301,8 @@ SCREENCAPTURE_EXPORT void current_path(const path& p, std::error_code& ec);
 /// The same without a code, so that a failure does not show.
 SCREENCAPTURE_EXPORT void current_path(const path& p);
 
-/// The working directory as it was at the first call. The reference is valid until exit.
+/// The working directory as it was at the first call, which throws as current_path() does. The
+/// reference is valid until exit.
 SCREENCAPTURE_EXPORT const path& initial_path();
 
 /// path::make_absolute().
@@ -313,9 +315,13 @@ SCREENCAPTURE_EXPORT path app_path();
 /// Makes the executable's directory the working directory.
 SCREENCAPTURE_EXPORT void set_app_path();
 
+/// @}
+
 // File stream
 
 /// Owns one open file, read and written as bytes.
+///
+/// What flock() takes is in <sys/file.h>.
 ///
 /// \code
 /// myfs::filestream log;
@@ -377,11 +383,11 @@ private:
     std::FILE* m_file = nullptr;
 };
 
-// Directory listing
-//
-// Results are appended, in the order in which the system returns the entries. A directory that is
-// missing or cannot be read yields nothing. Entry paths are the directory's text, "/" and the name,
-// parsed. Directories are descended into without a limit.
+/// \name Directory listing
+/// Results are appended, in the order in which the system returns the entries. A directory that is
+/// missing or cannot be read yields nothing. Entry paths are the directory's text, "/" and the
+/// name, parsed. Directories are descended into without a limit.
+/// @{
 
 /// Lists a directory: every entry, "." (as the directory itself) and ".." included; with
 /// `recursive` the entries that are not directories, at every depth. Symbolic links are entries and
@@ -409,5 +415,7 @@ SCREENCAPTURE_EXPORT void u16_file_list(const std::wstring& dir, std::vector<std
 SCREENCAPTURE_EXPORT void u16_file_list(const std::wstring& dir,
                                         std::map<std::wstring, std::vector<std::wstring>>& out,
                                         bool flag);
+
+/// @}
 
 } // namespace myfs

@@ -7,12 +7,14 @@ check_command() {
     case $1 in
         ./run) without_display ./run && [ -s out/result.png ] ;;
         # The suites themselves.
-        ./test) is_suite dev ;;
+        ./test) is_suite dev && is_suite asan ;;
+        './test dev') is_suite dev ;;
         # Too long to be run here; that they can be read, and understand what they are given.
         'tools/fuzz 600') bash -n tools/fuzz ;;
         tools/valgrind | tools/monkey | tools/soak) bash -n "$1" ;;
-        tools/mutate) run 'tools/mutate --list --count 1' ;;
+        tools/mutate*) run "${1%% *} --list --count 1" ;;
         ./bench*) [ -x bench ] && grep -q -- '"--size"' bench ;;
+        tools/install-packages | 'tools/install-packages packaging') run "$1" ;;
         './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
         './test asan') is_suite asan ;;
 
@@ -28,6 +30,7 @@ check_command() {
         # The packages are made, installed and removed by a test of their own, in the same way.
         'cpack --config build/package/CPackConfig.cmake -B build/packages')
             [ -s build/package/CPackConfig.cmake ] && grep -q '^cpack --config ' tests/install/packages ;;
+        'sudo apt install ./build/packages/*.deb') grep -q 'install \./\*\.deb' tests/install/packages ;;
         build/dev/tests) [ -d "$build/tests" ] ;;
         'QT_QPA_PLATFORM=xcb tools/with-display '*) run "${1//build\/dev/$build}" ;;
 
@@ -35,7 +38,7 @@ check_command() {
         'doxygen docs/Doxyfile') run "$1" && [ -s build/api/html/index.html ] ;;
         build/api/html/index.html) [ -s "$1" ] ;;
         'lupdate -locations none '*) PATH=$PATH:/usr/lib/qt5/bin run "$1" ;;
-        'capture-host --once --output shot.png') on_display takes_picture "$1" ;;
+        'capture-host --once --output shot.png' | 'capture-host --once --delay 2 --output shot.png') on_display takes_picture "$1" ;;
         'capture-host --help') run "$1" ;;
         *) return 1 ;;
     esac
@@ -44,13 +47,22 @@ check_command() {
 # check_block DOCUMENT LANGUAGE FILE
 check_block() {
     case "$1 $2 $(head -1 "$3")" in
-        'README.md cpp #include <ScreenCaptureWnd.h>') cp "$3" embed.cpp ;; # the builds below use it
+        # In ten lines, as they are announced; the builds below use it.
+        'README.md cpp #include <ScreenCaptureWnd.h>') [ "$(wc -l <"$3")" -le 10 ] && cp "$3" embed.cpp ;;
         'README.md cpp #include <myfs.h>') base_fragment_runs "$3" ;;
+        'README.md cpp #include <QCoreApplication>') speaks_french "$3" ;;
         'README.md cmake add_subdirectory(screencapture)') cmake_project "$3" -n ;;
         'README.md cmake find_package'*) cmake_project "$3" && on_display "$project/build/yourapp" ;;
         'README.md qmake QT += widgets') qmake_project "$3" && on_display "$project/yourapp" ;;
         'README.md ini [pen_color]') settings_file_is "$3" ;;
         'README.md text screenCaptureWnd() '*) names_the_states "$3" ;;
+
+        'ScreenCaptureWnd.h cpp '*) begins_a_capture "$3" ;;
+        'ScreenCaptureTool.h cpp '*) statements_hold "$3" 'QDir(dir).exists()' ScreenCaptureTool.h QDir QStandardPaths ;;
+        'code_convert.h cpp '*)
+            statements_hold "$3" '(wide.size() == 4 && (gbk.empty() || gbk == "caf\xA8\xA6"))' code_convert.h ;;
+        'myfs.h cpp myfs::path ini'*) statements_hold "$3" true myfs.h ;;
+        'myfs.h cpp myfs::filestream log'*) log_is_written "$3" ;;
         *) return 1 ;;
     esac
 }

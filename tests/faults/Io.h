@@ -20,6 +20,7 @@ public:
         int systemCopies = 0;
         int closes = 0;
         int opens = 0;
+        int stats = 0;
     };
 
     IoFaults();
@@ -40,6 +41,8 @@ public:
     int mostErrors = INT_MAX;
     /// What opening a file for writing fails with.
     int openForWritingError = 0;
+    /// What looking at a file fails with.
+    int statError = 0;
 
     /// The calls that got no more than mostBytes where they asked for more.
     Calls shortened;

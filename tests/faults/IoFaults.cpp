@@ -67,6 +67,15 @@ int openFile(const char* name, int flags, mode_t mode)
     return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, name, flags, mode));
 }
 
+bool cannotLook()
+{
+    if (!s_faults || s_faults->statError == 0)
+        return false;
+    ++s_faults->failed.stats;
+    errno = s_faults->statError;
+    return true;
+}
+
 } // namespace
 
 extern "C" {
@@ -102,6 +111,16 @@ int close(int file)
     const bool failed = fails(file, &IoFaults::closesBeforeError, &Calls::closes);
     const int result = static_cast<int>(::syscall(SYS_close, file));
     return failed ? error() : result;
+}
+
+int stat(const char* name, struct stat* status)
+{
+    return cannotLook() ? -1 : ::fstatat(AT_FDCWD, name, status, 0);
+}
+
+int stat64(const char* name, struct stat64* status)
+{
+    return cannotLook() ? -1 : ::fstatat64(AT_FDCWD, name, status, 0);
 }
 
 int open(const char* name, int flags, ...)

@@ -39,6 +39,7 @@ private slots:
     void failureEndsTheCopy();
     void readOnlyTargetIsReportedInTheCodeAlone_data();
     void readOnlyTargetIsReportedInTheCodeAlone();
+    void sourceThatCannotBeLookedAtIsReportedInTheCodeAlone();
     void nothingLivesBelowAPlainFile();
     void vanishedWorkingDirectory();
 };
@@ -185,6 +186,29 @@ void tst_faults_files::readOnlyTargetIsReportedInTheCodeAlone()
     QCOMPARE(failed.opens, 1);
     QCOMPARE(code.value(), error);
     QCOMPARE(readFile(scratch.path("to")), std::string("before"));
+    QCOMPARE(openFiles(), open);
+}
+
+// Intended: it counts as copied, and nothing of it goes anywhere.
+void tst_faults_files::sourceThatCannotBeLookedAtIsReportedInTheCodeAlone()
+{
+    const Scratch scratch;
+    writeFile(scratch.path("from"), "text");
+    const auto open = openFiles();
+    bool ok = false;
+    std::error_code code;
+    int refused = 0;
+    const std::string printed = printedBy([&] {
+        IoFaults faults;
+        faults.statError = EACCES;
+        ok = myfs::copy_regular_file(scratch.path("from"), scratch.path("to"), false, code);
+        refused = faults.failed.stats;
+    });
+    QVERIFY(refused > 0);
+    QVERIFY(ok);
+    QCOMPARE(code.value(), EACCES);
+    QCOMPARE(printed, std::string());
+    QCOMPARE(::access(scratch.path("to").c_str(), F_OK), -1);
     QCOMPARE(openFiles(), open);
 }
 

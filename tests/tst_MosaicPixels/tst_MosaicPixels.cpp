@@ -61,7 +61,10 @@ private slots:
     void pixelateMatchesTheReference();
     void blockLargerThanThePicture();
     void blocksOfMoreThan16BitSums();
+    void nothingIsWrittenBesideThePicture();
     void emptyAndShallowPicturesAreHarmless();
+    void nothingIsCopiedBetweenDifferentDepths_data();
+    void nothingIsCopiedBetweenDifferentDepths();
     void copiesWhereTheMaskIsWhite();
     void copyNeverLeavesThePictures();
 };
@@ -158,6 +161,30 @@ void tst_MosaicPixels::blocksOfMoreThan16BitSums()
     QCOMPARE(dst.pixel(299, 299), qRgb(255, 255, 255));
 }
 
+// The rows of a picture within a larger one, at the places in memory that suit the processor.
+void tst_MosaicPixels::nothingIsWrittenBesideThePicture()
+{
+    constexpr int kMarginPx = 4;
+    constexpr int kHeight = 5;
+    for (int width = 1; width <= 70; ++width) {
+        const QImage src = noise(QSize(width, kHeight), quint32(width));
+        const int roundedUp = (width + 3) / 4 * 4;
+        const QRect inside(kMarginPx, kMarginPx, width, kHeight);
+        for (int block : {1, 2, 3, 4, 8, 65}) {
+            QImage all(roundedUp + 2 * kMarginPx, kHeight + 2 * kMarginPx, QImage::Format_ARGB32);
+            all.fill(Qt::magenta);
+            const QImage untouched = all.copy();
+            uchar* corner = all.scanLine(inside.top()) + inside.left() * int(sizeof(QRgb));
+            QImage dst(corner, width, kHeight, all.bytesPerLine(), QImage::Format_ARGB32);
+            mosaic::makeMosaicImage(dst, src, block);
+            QCOMPARE(dst, reference(src, block));
+            QPainter(&all).fillRect(inside, Qt::magenta);
+            QVERIFY2(all == untouched,
+                     qPrintable(QString("width %1, block %2").arg(width).arg(block)));
+        }
+    }
+}
+
 void tst_MosaicPixels::emptyAndShallowPicturesAreHarmless()
 {
     QImage none;
@@ -171,6 +198,33 @@ void tst_MosaicPixels::emptyAndShallowPicturesAreHarmless()
     const QImage before = grey;
     mosaic::copyWhereWhite(grey, dst, dst, dst.rect());
     QCOMPARE(grey, before);
+}
+
+void tst_MosaicPixels::nothingIsCopiedBetweenDifferentDepths_data()
+{
+    QTest::addColumn<QImage::Format>("to");
+    QTest::addColumn<QImage::Format>("from");
+    QTest::addColumn<QImage::Format>("mask");
+    const QImage::Format deep = QImage::Format_ARGB32;
+    const QImage::Format shallow = QImage::Format_Grayscale8;
+    QTest::newRow("shallow picture") << shallow << deep << deep;
+    QTest::newRow("shallow blocks") << deep << shallow << deep;
+    QTest::newRow("shallow mask") << deep << deep << shallow;
+}
+
+void tst_MosaicPixels::nothingIsCopiedBetweenDifferentDepths()
+{
+    QFETCH(QImage::Format, to);
+    QFETCH(QImage::Format, from);
+    QFETCH(QImage::Format, mask);
+    const auto filled = [](QImage::Format format, const QColor& color) {
+        QImage image(8, 8, format);
+        image.fill(color);
+        return image;
+    };
+    QImage dst = filled(to, Qt::black);
+    mosaic::copyWhereWhite(dst, filled(from, Qt::gray), filled(mask, Qt::white), dst.rect());
+    QCOMPARE(dst, filled(to, Qt::black));
 }
 
 void tst_MosaicPixels::copiesWhereTheMaskIsWhite()

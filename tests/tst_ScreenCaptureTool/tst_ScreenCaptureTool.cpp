@@ -166,6 +166,9 @@ private slots:
     void uselessFileLeavesTheColors();
     void uselessFileIsReplaced_data();
     void uselessFileIsReplaced();
+    void fileWithASerialisedObjectIsLeftAlone_data();
+    void fileWithASerialisedObjectIsLeftAlone();
+    void escapesThatGiveNoObjectAreRead();
     void directoryInTheFilesPlaceStays();
     void unwritablePlaceKeepsTheColorsInMemory_data();
     void unwritablePlaceKeepsTheColorsInMemory();
@@ -562,6 +565,39 @@ void tst_ScreenCaptureTool::uselessFileIsReplaced()
     write(text);
     QCOMPARE(runHere({"set", "4278190335", "print"}), allFour(kBlue));
     QCOMPARE(runHere({"print"}), allFour(kBlue));
+}
+
+// A list of more than a thousand million values, "Colo" in numbers, for which Qt makes room before
+// it reads them.
+void tst_ScreenCaptureTool::fileWithASerialisedObjectIsLeftAlone_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::newRow("plain") << QByteArray("@Variant(\\0\\0\\0\\tcColo)");
+    QTest::newRow("quoted") << QByteArray("\"@Variant(\\0\\0\\0\\tcColo)\"");
+    QTest::newRow("quotes inside") << QByteArray("@Var\"iant(\\0\\0\\0\\tcColo)\"");
+    QTest::newRow("hexadecimal escape") << QByteArray("\\x40Variant(\\0\\0\\0\\tcColo)");
+    QTest::newRow("long hexadecimal escape") << QByteArray("\\x10040Variant(\\0\\0\\0\\tcColo)");
+    QTest::newRow("octal escape") << QByteArray("@\\126ariant(\\0\\0\\0\\tcColo)");
+    QTest::newRow("unknown escape") << QByteArray("@Vari\\zant(\\0\\0\\0\\tcColo)");
+    QTest::newRow("over two lines") << QByteArray("@Vari\\\nant(\\0\\0\\0\\tcColo)");
+    QTest::newRow("in a list") << QByteArray("1, @Variant(\\0\\0\\0\\tcColo)");
+}
+
+void tst_ScreenCaptureTool::fileWithASerialisedObjectIsLeftAlone()
+{
+    QFETCH(QByteArray, value);
+    write("[pen_color]\nfoo=" + value + "\nrectColor=7\n");
+    const QByteArray before = contents();
+    QCOMPARE(run({"set", "4278190335", "init", directory(), "print"}), allFour(kBlue));
+    QCOMPARE(runHere({"init", directory(), "set", "4278190335", "print"}), allFour(kBlue));
+    QCOMPARE(contents(), before);
+}
+
+// A text that only speaks of one is a value as any other.
+void tst_ScreenCaptureTool::escapesThatGiveNoObjectAreRead()
+{
+    write("[pen_color]\nrectColor=\\x37\nfoo=Variant(\\x40, \\a\\\\@\\100\\n\nbar=\\");
+    QCOMPARE(runHere({"print"}), QByteArray("4294654008 7 4294654008 4294654008 invalid\n"));
 }
 
 void tst_ScreenCaptureTool::directoryInTheFilesPlaceStays()

@@ -2,6 +2,7 @@
 #include "AssertionProbe.h"
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
+#include "Painted.h"
 
 #include <QDesktopWidget>
 #include <QDir>
@@ -65,6 +66,7 @@ private slots:
     void leftPressStartsAnInvalidHiddenRectangle();
     void bandShowsFromThreePixelsOn_data();
     void bandShowsFromThreePixelsOn();
+    void bandRepaintsOnlyWhereItIs();
     void bandStaysVisibleWhenDraggedBack();
     void dragInAnyDirectionIsNormalized();
     void clickWithoutDragShowsTheToolBar();
@@ -84,6 +86,7 @@ private slots:
     void undoWhileIdleDoesNothing();
     void redoWithoutEditsDoesNothing();
     void resetStartsOver();
+    void resetBringsTheLoupeToTheCursor();
     void resetKeepsTheWindowOpen();
 
     void saveWritesAndStartsOver();
@@ -441,6 +444,21 @@ void tst_ScreenCaptureWnd::bandShowsFromThreePixelsOn()
     QCOMPARE(capture.region()->isVisible(), visible);
 }
 
+void tst_ScreenCaptureWnd::bandRepaintsOnlyWhereItIs()
+{
+    CaptureProbe capture;
+    capture.window()->showFullDesktop(true);
+    QVERIFY(QTest::qWaitForWindowExposed(capture.window()));
+    capture.press(kFrom);
+    capture.move(kTo);
+    QCoreApplication::processEvents();
+    PaintCounter paints(*capture.window());
+    capture.move(kTo + QPoint(10, 10));
+    QTRY_VERIFY(paints.count > 0);
+    QVERIFY(paints.area.contains(kTo));
+    QVERIFY(!paints.area.contains(kFarOutside));
+}
+
 void tst_ScreenCaptureWnd::bandStaysVisibleWhenDraggedBack()
 {
     CaptureProbe capture;
@@ -683,6 +701,17 @@ void tst_ScreenCaptureWnd::resetStartsOver()
     const QPoint middle = capture.region()->rect().center();
     capture.drag(middle, middle - QPoint(5, 5));
     QCOMPARE(capture.region()->rect().topLeft(), kFarOutside - QPoint(5, 5));
+}
+
+void tst_ScreenCaptureWnd::resetBringsTheLoupeToTheCursor()
+{
+    CaptureProbe capture;
+    capture.window()->showFullDesktop(true);
+    capture.drag(kFrom, kTo);
+    const QPoint cursor(50, 60);
+    QCursor::setPos(capture.window()->mapToGlobal(cursor));
+    capture.window()->reset();
+    QCOMPARE(capture.loupe()->pos(), cursor + QPoint(6, 26));
 }
 
 void tst_ScreenCaptureWnd::resetKeepsTheWindowOpen()

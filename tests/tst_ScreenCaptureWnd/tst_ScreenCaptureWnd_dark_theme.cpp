@@ -27,6 +27,16 @@ bool isReadable(QWidget* widget)
     return lightest - darkest > kReadableContrast && lightest > 240;
 }
 
+int darkest(const QImage& image)
+{
+    int found = 255;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            found = qMin(found, qGray(image.pixel(x, y)));
+    }
+    return found;
+}
+
 QWidget* visibleToolTip()
 {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -47,6 +57,7 @@ private slots:
     void initTestCase();
     void textsAreReadable();
     void toolTipsAreReadable();
+    void whatCannotBePressedIsPale();
 };
 
 void tst_ScreenCaptureWnd_dark_theme::initTestCase()
@@ -90,6 +101,17 @@ void tst_ScreenCaptureWnd_dark_theme::toolTipsAreReadable()
     QTRY_VERIFY(visibleToolTip());
     QVERIFY(isReadable(visibleToolTip()));
     QToolTip::hideText();
+}
+
+void tst_ScreenCaptureWnd_dark_theme::whatCannotBePressedIsPale()
+{
+    CaptureProbe capture;
+    QPushButton* redo = capture.toolBar()->findChildren<QPushButton*>().at(7);
+    QCOMPARE(redo->toolTip(), QString("redo"));
+    QVERIFY(!redo->isEnabled());
+    const int pale = darkest(redo->grab().toImage());
+    redo->setEnabled(true);
+    QVERIFY(pale > darkest(redo->grab().toImage()) + 32);
 }
 
 QTEST_MAIN(tst_ScreenCaptureWnd_dark_theme)

@@ -64,6 +64,7 @@ class tst_ScribbleArea_history : public BehaviourTest
 
 private slots:
     void entryHoldsTheStrokesBounds();
+    void commitWithinAStrokeStartsItsEntryAtTheOrigin();
     void undoAndRedoAreExact();
     void newEditDropsTheRedoTail();
     void editsBeyondTheEdgeAreUndone();
@@ -94,6 +95,21 @@ void tst_ScribbleArea_history::entryHoldsTheStrokesBounds()
                      (before.pixel(p) ^ after.pixel(p)) & 0xffffffu);
         }
     }
+}
+
+void tst_ScribbleArea_history::commitWithinAStrokeStartsItsEntryAtTheOrigin()
+{
+    Canvas canvas;
+    canvas.press(QPoint(50, 60));
+    canvas.move(QPoint(90, 60));
+    const QImage committed = canvas.image();
+    canvas.completeScribble();
+    QCOMPARE(canvas.history().size(), 0);
+    canvas.release(QPoint(110, 70));
+    const DiffRect entry = canvas.history().at(0);
+    QCOMPARE(QRect(entry.position, entry.image.size()), edges(0, 0, 113, 73));
+    canvas.undo();
+    QCOMPARE(canvas.image(), committed);
 }
 
 void tst_ScribbleArea_history::undoAndRedoAreExact()

@@ -42,6 +42,8 @@ private slots:
     void textBoxFollowsTheFrame();
     void undoTakesThePendingTextBack();
     void fontSizeAndColourMakeTheBox();
+    void boxIsMadeInTheFrame();
+    void undoHidesTheBoxWhateverTheTool();
     void secondCommitInTextModeHoldsNoPixels();
     void hugeTextIsHarmless();
     void committedTextIsDrawnWithoutCursor();
@@ -164,6 +166,28 @@ void tst_ScribbleArea_text::fontSizeAndColourMakeTheBox()
     other.setTextColor(Qt::magenta);
     QCOMPARE(other.textBox()->textColor(), QColor(Qt::magenta));
     QVERIFY(other.textBox()->isHidden());
+}
+
+void tst_ScribbleArea_text::boxIsMadeInTheFrame()
+{
+    Canvas canvas;
+    canvas.setPaintTypeToGraph();
+    canvas.drag(QPoint(20, 30), QPoint(120, 100));
+    canvas.setTextFontSize(22);
+    QCOMPARE(canvas.textBox()->geometry(), edges(24, 34, 116, 96));
+}
+
+void tst_ScribbleArea_text::undoHidesTheBoxWhateverTheTool()
+{
+    Canvas canvas;
+    canvas.show();
+    canvas.setTextFontSize(20);
+    canvas.drag(QPoint(20, 30), QPoint(120, 100));
+    canvas.textBox()->show();
+    canvas.undo();
+    QVERIFY(canvas.textBox()->isHidden());
+    QVERIFY(!canvas.frame()->isVisible());
+    QCOMPARE(canvas.image(), picture());
 }
 
 void tst_ScribbleArea_text::secondCommitInTextModeHoldsNoPixels()

@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QVariant>
+#include <cctype>
+#include <cstring>
 
 namespace
 {
@@ -33,6 +35,63 @@ bool hasPlaceForSettings()
 {
     const QString& file = s_Helper.m_iniPath;
     return !file.isEmpty() && QFileInfo(file).dir().exists();
+}
+
+// The number after a backslash, in the given base: its digits are taken from `at` on.
+char escapedCharacter(const QByteArray& text, int& at, int base)
+{
+    const int begin = at;
+    const auto isDigit = [base](char c) {
+        return base == 8 ? c >= '0' && c <= '7' : std::isxdigit(uchar(c)) != 0;
+    };
+    while (at < text.size() && isDigit(text.at(at)))
+        ++at;
+    // Qt counts in 16 bits.
+    constexpr int kDigits = 4;
+    return char(text.mid(begin, at - begin).right(kDigits).toUInt(nullptr, base));
+}
+
+// The values as Qt takes them: without quotes, and with escapes resolved.
+QByteArray unescaped(const QByteArray& text)
+{
+    QByteArray plain;
+    plain.reserve(text.size());
+    for (int i = 0; i < text.size();) {
+        const char c = text.at(i++);
+        if (c != '\\' || i == text.size()) {
+            if (c != '"')
+                plain += c;
+        } else if (text.at(i) == 'x') {
+            plain += escapedCharacter(text, ++i, 16);
+        } else if (text.at(i) >= '0' && text.at(i) <= '7') {
+            plain += escapedCharacter(text, i, 8);
+        } else if (std::strchr("abfnrtv\"?'\\", text.at(i++))) {
+            plain += ' ';
+        }
+    }
+    return plain;
+}
+
+// Qt makes room for as many values as a serialised list of the file claims to have, and throws
+// where there is none, which it does not survive itself. Nobody here writes such values: a file
+// with one is neither read nor written.
+bool holdsSerialisedObjects()
+{
+    QFile file(s_Helper.m_iniPath);
+    return file.open(QIODevice::ReadOnly) && unescaped(file.readAll()).contains("@Variant(");
+}
+
+void loadColors()
+{
+    QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
+    settings.beginGroup(kColorGroup);
+    // Intended: every entry is loaded, and one that is no number is a transparent black. Only an
+    // entry without a name is left out, which Qt would warn of.
+    for (const QString& key : settings.allKeys()) {
+        if (!key.isEmpty())
+            s_Helper.m_penColors[key] = QColor::fromRgba(settings.value(key, QVariant()).toUInt());
+    }
+    settings.endGroup();
 }
 
 // A process killed between making the lock of the file and signing it leaves an empty one, for
@@ -60,15 +119,8 @@ void ScreenCaptureTool::init(const QString& dir)
     file.append(kSettingsFile);
     s_Helper.m_iniPath = QString::fromStdString(file.string());
 
-    QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
-    settings.beginGroup(kColorGroup);
-    // Intended: every entry is loaded, and one that is no number is a transparent black. Only an
-    // entry without a name is left out, which Qt would warn of.
-    for (const QString& key : settings.allKeys()) {
-        if (!key.isEmpty())
-            s_Helper.m_penColors[key] = QColor::fromRgba(settings.value(key, QVariant()).toUInt());
-    }
-    settings.endGroup();
+    if (!holdsSerialisedObjects())
+        loadColors();
 }
 
 void ScreenCaptureTool::penColor(ScreenCaptureToolColors& colors)
@@ -86,7 +138,7 @@ void ScreenCaptureTool::setPenColor(const ScreenCaptureToolColors& colors)
     s_Helper.m_penColors[kEllipse] = colors.ellipseColor;
     s_Helper.m_penColors[kArrow] = colors.arrowColor;
     s_Helper.m_penColors[kText] = colors.textColor;
-    if (!hasPlaceForSettings())
+    if (!hasPlaceForSettings() || holdsSerialisedObjects())
         return;
     removeUnsignedLock();
 

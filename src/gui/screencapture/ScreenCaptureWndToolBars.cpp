@@ -17,6 +17,8 @@
 #include <QPen>
 #include <QPushButton>
 #include <QSlider>
+#include <QStyle>
+#include <QStyleOption>
 
 namespace
 {
@@ -47,6 +49,18 @@ constexpr int kMosaicExtraWidthPx = 15;
 QString icon(const QString& name)
 {
     return QStringLiteral(":/scribble/%1.png").arg(name);
+}
+
+// Pale while disabled, as on white, which the bars are: in a dark palette a style makes it dark.
+QIcon paleOnWhite(const QString& name)
+{
+    const QPixmap pixmap(icon(name));
+    QStyleOption option;
+    option.palette = QPalette(Qt::white);
+    QIcon result(pixmap);
+    result.addPixmap(qApp->style()->generatedIconPixmap(QIcon::Disabled, pixmap, &option),
+                     QIcon::Disabled);
+    return result;
 }
 
 QPen withWidth(QPen pen, int width)
@@ -87,6 +101,7 @@ void ScreenCaptureWnd::initToolBars()
     btnUndo->setFixedSize(kButtonSizePx);
     btnUndo->setShortcut(QKeySequence::Undo);
     m_btnRedo = createCommandButton("redo", tr("redo"), SLOT(redo()));
+    m_btnRedo->setIcon(paleOnWhite("redo"));
     m_btnRedo->setEnabled(false);
     m_btnRedo->setShortcut(QKeySequence::Redo);
     // Intended: the redo button keeps the size that the layout gives it.

@@ -545,6 +545,7 @@ QRect ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
             painter.drawPoint(from);
         else
             painter.drawLine(from, to);
+        m_mosaicTracked |= area;
     }
 
     // Intended: the bounds are the widget's, and the last column and row of the area are left out.
@@ -572,7 +573,14 @@ void ScribbleArea::onupdateMosaicImage()
 
 void ScribbleArea::resetMosaicTrack()
 {
-    m_mosaicTrack = transparentImage(m_image.size());
+    if (m_mosaicTrack.size() != m_image.size()) {
+        m_mosaicTrack = transparentImage(m_image.size());
+    } else if (!m_mosaicTrack.isNull()) {
+        QPainter painter(&m_mosaicTrack);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(m_mosaicTracked, Qt::transparent);
+    }
+    m_mosaicTracked = QRect();
 }
 
 void ScribbleArea::setMosaicBlur(int blur)

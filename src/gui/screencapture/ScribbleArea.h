@@ -162,6 +162,8 @@ private:
     int m_mosaicPenWidth = 16;
     QImage m_mosaicImage;
     QImage m_mosaicTrack;
+    /// Where there may be something on it.
+    QRect m_mosaicTracked;
     QTimer m_mosaicTimer;
     QBasicTimer m_restTimer;
     bool m_parentIsOwed = false;
