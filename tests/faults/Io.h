@@ -20,6 +20,7 @@ public:
         int systemCopies = 0;
         int closes = 0;
         int opens = 0;
+        int stats = 0;
     };
 
     IoFaults();

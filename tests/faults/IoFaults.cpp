@@ -71,6 +71,7 @@ bool cannotLook()
 {
     if (!s_faults || s_faults->statError == 0)
         return false;
+    ++s_faults->failed.stats;
     errno = s_faults->statError;
     return true;
 }
