@@ -202,9 +202,7 @@ void Monkey::inspectRedo()
 {
     if (!m_window || m_signals > 0 || !m_complaint.isEmpty())
         return;
-    if (!ScreenCaptureWndAccess::offersRedoInVain(*m_window))
-        m_hostAskedForPicture = false;
-    else if (!m_hostAskedForPicture)
+    if (ScreenCaptureWndAccess::offersRedoInVain(*m_window))
         m_complaint = "redo is offered and there is nothing to redo";
 }
 
@@ -232,7 +230,6 @@ void Monkey::beginCapture()
     m_held = {};
     m_signals = 0;
     m_mayDeliver = true;
-    m_hostAskedForPicture = false;
     ++m_captures;
     connect(m_window, &ScreenCaptureWnd::captureFinished, this, &Monkey::onFinished);
     m_window->connectTo(this, SLOT(onCaptured(QImage, bool)));
@@ -553,10 +550,9 @@ void Monkey::askAsHost()
             m_window->undo();
         else if (question < 12)
             m_window->redo();
-        else if (question < 18) {
+        else if (question < 18)
             m_window->scribbledImage();
-            m_hostAskedForPicture = true;
-        } else
+        else
             m_window->captureImage();
     });
 }

@@ -120,7 +120,6 @@ private:
     int m_deliveries = 0;
     int m_signals = 0;
     bool m_mayDeliver = false;
-    bool m_hostAskedForPicture = false;
     QString m_complaint;
     QStringList m_last;
     QPointer<ScreenCaptureWnd> m_window;

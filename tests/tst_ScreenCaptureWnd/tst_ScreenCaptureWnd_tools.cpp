@@ -136,6 +136,7 @@ private slots:
     void redoIsEnabledWhileItIsPossible();
     void newEditDisablesRedo_data();
     void newEditDisablesRedo();
+    void editCommittedForThePictureDisablesRedo();
     void doubleClickOnTheCanvasFinishes();
     void settingsNeedACanvas();
 
@@ -767,6 +768,20 @@ void tst_ScreenCaptureWnd_tools::newEditDisablesRedo()
         QVERIFY(m_capture->button(Redo)->isEnabled());
         m_capture->choose(Scribble);
     }
+    QVERIFY(!m_capture->canvas()->canRedo());
+    QVERIFY(!m_capture->button(Redo)->isEnabled());
+}
+
+void tst_ScreenCaptureWnd_tools::editCommittedForThePictureDisablesRedo()
+{
+    annotate(Scribble);
+    m_capture->stroke(QPoint(10, 10), QPoint(50, 50));
+    m_capture->choose(Undo);
+    m_capture->choose(Rectangle);
+    m_capture->stroke(QPoint(10, 50), QPoint(50, 10));
+    QCoreApplication::processEvents();
+    QVERIFY(m_capture->button(Redo)->isEnabled());
+    m_capture->window()->scribbledImage();
     QVERIFY(!m_capture->canvas()->canRedo());
     QVERIFY(!m_capture->button(Redo)->isEnabled());
 }

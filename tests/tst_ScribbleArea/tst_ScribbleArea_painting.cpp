@@ -51,6 +51,15 @@ private:
     QRegion m_painted;
 };
 
+bool isShownOn(QWidget& parent, Canvas& canvas)
+{
+    parent.resize(300, 250);
+    canvas.setParent(&parent);
+    canvas.setGeometry(QRect(QPoint(50, 40), kSize));
+    parent.show();
+    return QTest::qWaitForWindowExposed(&parent);
+}
+
 class TimerCounter : public QObject
 {
 public:
@@ -211,12 +220,8 @@ void tst_ScribbleArea_painting::shapePensRepaintEverything()
 void tst_ScribbleArea_painting::movesRepaintTheParent()
 {
     Watched<QWidget> parent;
-    parent.resize(300, 250);
     Canvas canvas;
-    canvas.setParent(&parent);
-    canvas.setGeometry(QRect(QPoint(50, 40), kSize));
-    parent.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&parent));
+    QVERIFY(isShownOn(parent, canvas));
     const QRegion all(parent.rect());
     canvas.press(kFrom);
     QCOMPARE(parent.repaintedBy([&] { canvas.move(kOver); }), all);
@@ -239,12 +244,8 @@ void tst_ScribbleArea_painting::movesRepaintTheParent()
 void tst_ScribbleArea_painting::fastMovesRepaintWhatChangedFirst()
 {
     Watched<QWidget> parent;
-    parent.resize(300, 250);
     Canvas canvas;
-    canvas.setParent(&parent);
-    canvas.setGeometry(QRect(QPoint(50, 40), kSize));
-    parent.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&parent));
+    QVERIFY(isShownOn(parent, canvas));
     canvas.press(kFrom);
     canvas.move(kOver);
     const QRect changed = QRect(kOver, kTo).normalized().adjusted(-3, -3, 3, 3).translated(50, 40);
@@ -262,12 +263,8 @@ void tst_ScribbleArea_painting::fastMovesRepaintWhatChangedFirst()
 void tst_ScribbleArea_painting::restAfterASingleMoveRepaintsNothing()
 {
     Watched<QWidget> parent;
-    parent.resize(300, 250);
     Canvas canvas;
-    canvas.setParent(&parent);
-    canvas.setGeometry(QRect(QPoint(50, 40), kSize));
-    parent.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&parent));
+    QVERIFY(isShownOn(parent, canvas));
     canvas.press(kFrom);
     canvas.move(kOver);
     TimerCounter timer(canvas);

@@ -165,6 +165,8 @@ QImage ScreenCaptureWnd::scribbledImage() const
     if (m_state != StateAnnotating)
         return captureImage();
     m_scribbleArea->completeScribble();
+    // What that committed leaves nothing to redo.
+    updateRedoButton();
     const QImage annotated = m_scribbleArea->image();
     // There was no memory for the canvas's picture when the tool was chosen; now there may be.
     return annotated.isNull() ? captureImage() : annotated;

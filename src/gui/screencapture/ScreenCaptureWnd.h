@@ -161,7 +161,7 @@ private:
     void beginAnnotating();
     void applyCheckedTool();
     void uncheckTools();
-    void updateRedoButton();
+    void updateRedoButton() const;
     void chooseGraph(int state, const QPen& pen);
     void showPenSettings(const QPen& pen);
     void showSubToolBarForPen();

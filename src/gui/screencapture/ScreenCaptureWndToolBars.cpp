@@ -457,7 +457,7 @@ void ScreenCaptureWnd::onMosaicBlurChanged(int value)
         m_scribbleArea->setMosaicBlur(value);
 }
 
-void ScreenCaptureWnd::updateRedoButton()
+void ScreenCaptureWnd::updateRedoButton() const
 {
     m_btnRedo->setEnabled(m_scribbleArea && m_scribbleArea->canRedo());
 }
