@@ -42,6 +42,7 @@ private slots:
     void failedLockKeepsFileAndColors();
     void failedWriteKeepsColors_data();
     void failedWriteKeepsColors();
+    void fileEmptiedByAFailedWriteIsPutBack();
     void shortReadsAndWrites();
     void readOnlyFileSystem_data();
     void readOnlyFileSystem();
@@ -112,6 +113,23 @@ void tst_faults_settings::failedWriteKeepsColors()
     initIn(scratch.path());
     QCOMPARE(colorsNow().arrowColor, QColor(Qt::cyan));
     QVERIFY(readFile(scratch.path("screencapture.ini")).find("4278255615") != std::string::npos);
+}
+
+// As on a disk that has room again once the former file is gone.
+void tst_faults_settings::fileEmptiedByAFailedWriteIsPutBack()
+{
+    const Scratch scratch;
+    writeFile(scratch.path("screencapture.ini"), kBefore);
+    initIn(scratch.path());
+    {
+        IoFaults faults;
+        faults.error = ENOSPC;
+        faults.writesBeforeError = 1;
+        faults.mostErrors = 1;
+        ScreenCaptureTool::setPenColor(allOf(Qt::green));
+        QCOMPARE(faults.failed.writes, 1);
+    }
+    QCOMPARE(readFile(scratch.path("screencapture.ini")), kBefore);
 }
 
 void tst_faults_settings::shortReadsAndWrites()

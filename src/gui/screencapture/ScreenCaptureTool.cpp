@@ -75,10 +75,24 @@ QByteArray unescaped(const QByteArray& text)
 // Qt makes room for as many values as a serialised list of the file claims to have, and throws
 // where there is none, which it does not survive itself. Nobody here writes such values: a file
 // with one is neither read nor written.
-bool holdsSerialisedObjects()
+bool holdsSerialisedObjects(const QByteArray& settings)
+{
+    return unescaped(settings).contains("@Variant(");
+}
+
+QByteArray readSettings()
 {
     QFile file(s_Helper.m_iniPath);
-    return file.open(QIODevice::ReadOnly) && unescaped(file.readAll()).contains("@Variant(");
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// On a full disk Qt puts a file without contents in the place of the settings, whose room may serve
+// for them again.
+void putBackIfEmptied(const QByteArray& settings)
+{
+    QFile file(s_Helper.m_iniPath);
+    if (!settings.isEmpty() && file.size() == 0 && file.open(QIODevice::WriteOnly))
+        file.write(settings);
 }
 
 void loadColors()
@@ -91,6 +105,16 @@ void loadColors()
         if (!key.isEmpty())
             s_Helper.m_penColors[key] = QColor::fromRgba(settings.value(key, QVariant()).toUInt());
     }
+    settings.endGroup();
+}
+
+// Intended: the text colour lives in memory only.
+void storeColors()
+{
+    QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
+    settings.beginGroup(kColorGroup);
+    for (const QString& key : {kScribble, kRect, kEllipse, kArrow})
+        settings.setValue(key, QVariant(uint(s_Helper.m_penColors[key].rgba())));
     settings.endGroup();
 }
 
@@ -119,7 +143,7 @@ void ScreenCaptureTool::init(const QString& dir)
     file.append(kSettingsFile);
     s_Helper.m_iniPath = QString::fromStdString(file.string());
 
-    if (!holdsSerialisedObjects())
+    if (!holdsSerialisedObjects(readSettings()))
         loadColors();
 }
 
@@ -138,14 +162,12 @@ void ScreenCaptureTool::setPenColor(const ScreenCaptureToolColors& colors)
     s_Helper.m_penColors[kEllipse] = colors.ellipseColor;
     s_Helper.m_penColors[kArrow] = colors.arrowColor;
     s_Helper.m_penColors[kText] = colors.textColor;
-    if (!hasPlaceForSettings() || holdsSerialisedObjects())
+    if (!hasPlaceForSettings())
+        return;
+    const QByteArray before = readSettings();
+    if (holdsSerialisedObjects(before))
         return;
     removeUnsignedLock();
-
-    // Intended: the text colour lives in memory only.
-    QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
-    settings.beginGroup(kColorGroup);
-    for (const QString& key : {kScribble, kRect, kEllipse, kArrow})
-        settings.setValue(key, QVariant(uint(s_Helper.m_penColors[key].rgba())));
-    settings.endGroup();
+    storeColors();
+    putBackIfEmptied(before);
 }
