@@ -580,6 +580,10 @@ void tst_ScreenCaptureTool::fileWithASerialisedObjectIsLeftAlone_data()
     QTest::newRow("octal escape") << QByteArray("@\\126ariant(\\0\\0\\0\\tcColo)");
     QTest::newRow("unknown escape") << QByteArray("@Vari\\zant(\\0\\0\\0\\tcColo)");
     QTest::newRow("over two lines") << QByteArray("@Vari\\\nant(\\0\\0\\0\\tcColo)");
+    QTest::newRow("over two lines of another system")
+        << QByteArray("@Vari\\\r\nant(\\0\\0\\0\\tcColo)");
+    QTest::newRow("escaped null byte")
+        << QByteArray("@Vari\\") + '\0' + QByteArray("ant(\\0\\0\\0\\tcColo)");
     QTest::newRow("in a list") << QByteArray("1, @Variant(\\0\\0\\0\\tcColo)");
 }
 

@@ -10,13 +10,13 @@
 #include <QSettings>
 #include <QVariant>
 #include <cctype>
-#include <cstring>
 
 namespace
 {
 
 const char* const kSettingsFile = "screencapture.ini";
 const char* const kColorGroup = "pen_color";
+const QByteArray kNamedEscapes = QByteArrayLiteral("abfnrtv\"?'\\");
 constexpr int kLockSigningMs = 1000;
 
 const QString kScribble = QStringLiteral("scribbleColor");
@@ -51,7 +51,13 @@ char escapedCharacter(const QByteArray& text, int& at, int base)
     return char(text.mid(begin, at - begin).right(kDigits).toUInt(nullptr, base));
 }
 
-// The values as Qt takes them: without quotes, and with escapes resolved.
+bool isLineBreak(char c)
+{
+    return c == '\n' || c == '\r';
+}
+
+// The values as Qt takes them: without quotes, and with escapes resolved. What a backslash does not
+// give a name is skipped.
 QByteArray unescaped(const QByteArray& text)
 {
     QByteArray plain;
@@ -65,8 +71,12 @@ QByteArray unescaped(const QByteArray& text)
             plain += escapedCharacter(text, ++i, 16);
         } else if (text.at(i) >= '0' && text.at(i) <= '7') {
             plain += escapedCharacter(text, i, 8);
-        } else if (std::strchr("abfnrtv\"?'\\", text.at(i++))) {
-            plain += ' ';
+        } else {
+            const char escaped = text.at(i++);
+            if (kNamedEscapes.contains(escaped))
+                plain += ' ';
+            else if (isLineBreak(escaped) && i < text.size() && isLineBreak(text.at(i)))
+                ++i;
         }
     }
     return plain;
