@@ -71,7 +71,7 @@ QPen borderPen(const QColor& color, Qt::PenStyle style)
 // Whether a line of the pen is one pixel of the device wide and hides what is below.
 bool drawsOnePixel(const QPainter& painter)
 {
-    const QPen pen = painter.pen();
+    const QPen& pen = painter.pen();
     return pen.style() == Qt::SolidLine && pen.width() == 1 &&
            pen.color().alpha() == kOpaqueAlpha &&
            painter.deviceTransform().type() <= QTransform::TxTranslate;
