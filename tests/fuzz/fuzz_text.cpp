@@ -5,6 +5,7 @@
 #include <clocale>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -105,8 +106,13 @@ void convertInLocale(const std::string& text, const char* locale)
     count = CodeCvt::_utf8_to_ansi(source.data(), length, shortest.data(),
                                    static_cast<int>(shortest.size()), locale);
     REQUIRE(count <= static_cast<int>(shortest.size()));
-    REQUIRE(ansi.compare(0, static_cast<std::size_t>(count), shortest.data(),
-                         static_cast<std::size_t>(count)) == 0);
+    // A character that the locale lacks is not met where the room ends before it.
+    if (ansi.empty()) {
+        REQUIRE(count == 0 || static_cast<std::size_t>(count) + MB_CUR_MAX > shortest.size());
+    } else {
+        REQUIRE(ansi.compare(0, static_cast<std::size_t>(count), shortest.data(),
+                             static_cast<std::size_t>(count)) == 0);
+    }
 }
 
 } // namespace

@@ -50,6 +50,7 @@ private slots:
     void gbk();
     void charactersLongerInTheLocaleComeOutWhole();
     void toAnsiCutsWhatDoesNotFit();
+    void foreignCharacterBeyondTheRoomGoesUnnoticed();
     void invalidGbkGivesNothing();
     void gbkRoundTripOfRandomText();
 };
@@ -234,6 +235,19 @@ void tst_CodeCvt_locales::toAnsiCutsWhatDoesNotFit()
     QCOMPARE(std::string(buffer, 4), std::string("\x81\x30\x86\x38"));
     for (int i = 5; i < 8; ++i)
         QCOMPARE(buffer[i], kUntouched);
+}
+
+// The string function measures the whole text first, and so finds the surrogate.
+void tst_CodeCvt_locales::foreignCharacterBeyondTheRoomGoesUnnoticed()
+{
+    SKIP_WITHOUT_CHINESE_LOCALE();
+    const LocaleScope scope("C");
+    const char text[] = "\xC3\x80\xC3\x80\xED\xB2\xB2";
+    char buffer[12];
+    QCOMPARE(CodeCvt::_utf8_to_ansi(text, 7, buffer, 8, CodeCvt::china_locale), 8);
+    QCOMPARE(std::string(buffer, 8), repeated("\x81\x30\x86\x38", 2));
+    QCOMPARE(CodeCvt::_utf8_to_ansi(text, 7, buffer, 12, CodeCvt::china_locale), 0);
+    QCOMPARE(CodeCvt::utf8_to_gbk(text), std::string());
 }
 
 void tst_CodeCvt_locales::invalidGbkGivesNothing()
