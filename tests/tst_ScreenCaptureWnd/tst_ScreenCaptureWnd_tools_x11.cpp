@@ -184,6 +184,8 @@ void tst_ScreenCaptureWnd_tools_x11::colorIsThereInTheNextCapture()
     QTRY_VERIFY(bars().isGone());
     m_capture.reset(new ToolBarsProbe);
     m_capture->window()->showFullDesktop(true);
+    // A window that goes away before the window manager has shown it is on the screen later on.
+    QVERIFY(QTest::qWaitForWindowActive(m_capture->window()));
     bars().annotate(kRegion, Arrow);
     QCOMPARE(bars().pen(Arrow).color(), purple);
     QCOMPARE(bars().shownColor(), purple);
