@@ -8,6 +8,7 @@
 #include "ScreenCaptureWnd.h"
 #include "ScribbleArea.h"
 #include "StyleSheets.h"
+#include "ToolBarButton.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -162,7 +163,7 @@ QPushButton* ScreenCaptureWnd::createToolButton(const QString& name, const QStri
 QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QString& toolTip,
                                                    const char* slot)
 {
-    auto* button = new QPushButton(QIcon(icon(name)), QString());
+    auto* button = new ToolBarButton(QIcon(icon(name)), QString());
     button->setToolTip(toolTip);
     button->setStyleSheet(style::kDarkToolTip);
     button->setAccessibleName(toolTip);
@@ -174,7 +175,7 @@ QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QS
 
 QPushButton* ScreenCaptureWnd::createDoneButton()
 {
-    auto* button = new QPushButton(QIcon(icon("done")), tr("done"));
+    auto* button = new ToolBarButton(QIcon(icon("done")), tr("done"));
     button->setObjectName(QStringLiteral("doneButton"));
     button->setFixedSize(kDoneButtonSizePx);
     button->setStyleSheet(style::kDarkText);
@@ -219,7 +220,8 @@ void ScreenCaptureWnd::initSubToolBar()
 
 QComboBox* ScreenCaptureWnd::createFontSizeBox()
 {
-    auto* box = new QComboBox;
+    // A child from the start: a new parent has it measure its items, for which fonts are loaded.
+    auto* box = new QComboBox(m_subToolBar);
     box->setFixedSize(kFontSizeBoxSizePx);
     box->setStyleSheet(style::kDarkText);
     box->setAccessibleName(tr("Font size"));
