@@ -89,6 +89,10 @@ void drawFrame(QPainter& painter, const QRect& rect)
     const QPoint opposite = rect.bottomRight() + QPoint(1, 1);
     const QRect outer(QPoint(qMin(rect.left(), opposite.x()), qMin(rect.top(), opposite.y())),
                       QPoint(qMax(rect.left(), opposite.x()), qMax(rect.top(), opposite.y())));
+    if (painter.brush() == QBrush(color)) {
+        painter.fillRect(outer, color);
+        return;
+    }
     painter.fillRect(QRect(outer.topLeft(), QSize(outer.width(), 1)), color);
     painter.fillRect(QRect(outer.bottomLeft(), QSize(outer.width(), 1)), color);
     painter.fillRect(QRect(outer.topLeft(), QSize(1, outer.height())), color);
@@ -472,7 +476,7 @@ void ResizableRect::renderHandles(QPainter& painter) const
         drawFrame(painter, handle);
 }
 
-void ResizableRect::renderSizeInfor(QPainter& painter) const
+void ResizableRect::renderSizeInfor(QPainter& painter)
 {
     const QRect label = sizeInforPaintRect();
     painter.setBrush(QBrush(QColor(0, 0, 0, kSizeLabelAlpha), Qt::SolidPattern));
@@ -481,8 +485,7 @@ void ResizableRect::renderSizeInfor(QPainter& painter) const
 
     painter.setPen(Qt::white);
     painter.setFont(QFont(QObject::tr("Courier New"), kSizeLabelPointSize));
-    painter.drawText(label, Qt::AlignCenter,
-                     QStringLiteral("%1 x %2").arg(rect().width()).arg(rect().height()));
+    m_sizeText.draw(painter, label, rect().size());
 }
 
 QRect ResizableRect::sizeInforPaintRect() const
