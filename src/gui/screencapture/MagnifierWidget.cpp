@@ -36,23 +36,30 @@ void MagnifierWidget::setOrigImage(const QImage& image)
 void MagnifierWidget::setCrossColor(const QColor& color)
 {
     m_crossColor = color;
+    m_marks = QImage();
     update();
 }
 
 void MagnifierWidget::paintEvent(QPaintEvent* /*event*/)
 {
+    updateMarks();
     QPainter painter(this);
-    paintImage(painter);
-    paintFrames(painter);
-    paintCrossHair(painter);
+    if (!m_origImage.isNull())
+        painter.drawImage(rect(), m_origImage);
+    painter.drawImage(0, 0, m_marks);
 }
 
-void MagnifierWidget::paintImage(QPainter& painter) const
+void MagnifierWidget::updateMarks()
 {
-    if (m_origImage.isNull())
+    const qreal scale = devicePixelRatioF();
+    if (m_marks.size() == size() * scale)
         return;
-    painter.drawImage(0, 0,
-                      m_origImage.scaled(size(), Qt::IgnoreAspectRatio, Qt::FastTransformation));
+    m_marks = QImage(size() * scale, QImage::Format_ARGB32_Premultiplied);
+    m_marks.setDevicePixelRatio(scale);
+    m_marks.fill(Qt::transparent);
+    QPainter painter(&m_marks);
+    paintFrames(painter);
+    paintCrossHair(painter);
 }
 
 void MagnifierWidget::paintFrames(QPainter& painter) const

@@ -27,10 +27,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void paintImage(QPainter& painter) const;
+    void updateMarks();
     void paintFrames(QPainter& painter) const;
     void paintCrossHair(QPainter& painter) const;
 
     QImage m_origImage;
     QColor m_crossColor;
+    /// Frames and cross-hair, which are the same in each painting.
+    QImage m_marks;
 };
