@@ -10,9 +10,7 @@
 /// Pixelation for processors with SSE2, which is every 64-bit one of its family: pixels stay groups
 /// of four side by side sums throughout, and the result is written past the caches, because a
 /// picture is larger than they are.
-namespace mosaic
-{
-namespace sse2
+namespace mosaic::sse2
 {
 
 constexpr qptrdiff kPixelBytes = 4;
@@ -230,5 +228,4 @@ inline void pixelateBand(uchar* to, int toStride, const uchar* from, int fromStr
     _mm_sfence();
 }
 
-} // namespace sse2
-} // namespace mosaic
+} // namespace mosaic::sse2

@@ -428,6 +428,7 @@ void ScreenCaptureWnd::onPenWidthChanged(int width)
 }
 
 // Intended: the colours are stored also when the tool has none. penColorChanged() is not emitted.
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the slot's published signature.
 void ScreenCaptureWnd::onPenColorChanged(QColor c)
 {
     Q_ASSERT(m_scribbleArea != NULL);

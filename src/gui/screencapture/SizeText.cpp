@@ -35,7 +35,7 @@ qreal placed(qreal position)
 // Whether a pixel of the painter is one of the device.
 bool isOnPixels(const QPainter& painter)
 {
-    const QTransform transform = painter.deviceTransform();
+    const QTransform& transform = painter.deviceTransform();
     const QPointF moved(transform.dx(), transform.dy());
     return transform.type() <= QTransform::TxTranslate && moved == moved.toPoint();
 }
