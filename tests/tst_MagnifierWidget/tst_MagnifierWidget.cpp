@@ -58,6 +58,9 @@ private slots:
     void eachSourcePixelIsABlock();
     void nullImageLeavesFramesAndCross();
     void framesAndCrossFollowBothSides();
+    void framesAndCrossFollowLaterChanges();
+    void imageOfADenseScreenFillsTheLoupe();
+    void framesAndCrossAreAsFineAsTheScreen();
     void unevenImageIsStretched();
     void oddSizesHalveDownwards();
     void crossColorIsInvalidAtFirst();
@@ -133,6 +136,60 @@ void tst_MagnifierWidget::nullImageLeavesFramesAndCross()
     paintCrossHair(painter, 80, kCross);
     painter.end();
     QCOMPARE(painted(loupe), expected);
+}
+
+void tst_MagnifierWidget::framesAndCrossFollowLaterChanges()
+{
+    MagnifierWidget loupe(nullptr);
+    loupe.setSize(80);
+    loupe.setCrossColor(kCross);
+    painted(loupe);
+    const auto expected = [](int side, const QColor& color) {
+        QImage image(side, side, QImage::Format_RGB32);
+        image.fill(Qt::magenta);
+        QPainter painter(&image);
+        paintFrames(painter, side);
+        paintCrossHair(painter, side, color);
+        painter.end();
+        return image;
+    };
+    loupe.setCrossColor(Qt::red);
+    QCOMPARE(painted(loupe), expected(80, Qt::red));
+    loupe.setSize(50);
+    QCOMPARE(painted(loupe), expected(50, Qt::red));
+    loupe.setCrossColor(kCross);
+    loupe.setSize(120);
+    QCOMPARE(painted(loupe), expected(120, kCross));
+}
+
+void tst_MagnifierWidget::imageOfADenseScreenFillsTheLoupe()
+{
+    QImage source = noise(16, 16);
+    MagnifierWidget loupe(nullptr);
+    loupe.setSize(80);
+    loupe.setOrigImage(source);
+    const QImage expected = painted(loupe);
+    source.setDevicePixelRatio(2);
+    loupe.setOrigImage(source);
+    QCOMPARE(painted(loupe), expected);
+}
+
+void tst_MagnifierWidget::framesAndCrossAreAsFineAsTheScreen()
+{
+    MagnifierWidget loupe(nullptr);
+    loupe.setSize(80);
+    loupe.setCrossColor(kCross);
+    const qreal scale = loupe.devicePixelRatioF();
+    QImage actual(loupe.size() * scale, QImage::Format_RGB32);
+    actual.setDevicePixelRatio(scale);
+    actual.fill(Qt::magenta);
+    QImage expected = actual;
+    loupe.render(&actual, QPoint(), QRegion(), QWidget::RenderFlags());
+    QPainter painter(&expected);
+    paintFrames(painter, 80);
+    paintCrossHair(painter, 80, kCross);
+    painter.end();
+    QCOMPARE(actual, expected);
 }
 
 void tst_MagnifierWidget::unevenImageIsStretched()

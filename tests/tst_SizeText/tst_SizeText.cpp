@@ -47,6 +47,9 @@ private slots:
     void longestSizeIsDrawn();
     void followsThePaintersFont();
     void followsThePaintersPen();
+    void followsThePaintersDirection();
+    void followsTheDevicesResolution();
+    void staysInThePaintersClip();
 };
 
 void tst_SizeText::looksAsLaidOutText_data()
@@ -133,6 +136,61 @@ void tst_SizeText::followsThePaintersPen()
             inColor([&text](QPainter& painter, QSize s) { text.draw(painter, kArea, s); });
         QCOMPARE(actual, inColor(drawLaidOut));
     }
+}
+
+void tst_SizeText::followsThePaintersDirection()
+{
+    SizeText text;
+    const auto fromRightToLeft = [](const Drawing& drawing) {
+        return drawn(QFont("Courier New", 14), QSize(151, 201), QTransform(),
+                     [&](QPainter& painter, const QSize& s) {
+                         painter.setLayoutDirection(Qt::RightToLeft);
+                         drawing(painter, s);
+                     });
+    };
+    const QImage actual =
+        fromRightToLeft([&text](QPainter& painter, QSize s) { text.draw(painter, kArea, s); });
+    QCOMPARE(actual, fromRightToLeft(drawLaidOut));
+}
+
+void tst_SizeText::followsTheDevicesResolution()
+{
+    SizeText text;
+    const auto onDevice = [](int dotsPerMeter, const Drawing& drawing) {
+        QImage image(400, 120, QImage::Format_ARGB32_Premultiplied);
+        image.setDotsPerMeterX(dotsPerMeter);
+        image.setDotsPerMeterY(dotsPerMeter);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        painter.setPen(Qt::white);
+        painter.setFont(QFont("Courier New", 9));
+        drawing(painter, QSize(64, 48));
+        return image;
+    };
+    constexpr int kDotsPerMeter[] = {3780, 5669, 3780};
+    for (const int dotsPerMeter : kDotsPerMeter) {
+        const QImage actual = onDevice(
+            dotsPerMeter, [&text](QPainter& painter, QSize s) { text.draw(painter, kArea, s); });
+        QCOMPARE(actual, onDevice(dotsPerMeter, drawLaidOut));
+    }
+    QVERIFY(onDevice(kDotsPerMeter[0], drawLaidOut) != onDevice(kDotsPerMeter[1], drawLaidOut));
+}
+
+// Text that is cut off at its area's sides is not painted outside of what the painter may paint.
+void tst_SizeText::staysInThePaintersClip()
+{
+    SizeText text;
+    const auto clipped = [](const Drawing& drawing) {
+        return drawn(QFont("Courier New", 14), QSize(98765, 43210), QTransform(),
+                     [&](QPainter& painter, const QSize& s) {
+                         painter.setClipRect(QRect(30, 0, 20, 25));
+                         drawing(painter, s);
+                         painter.fillRect(QRect(45, 0, 2, 120), Qt::red);
+                     });
+    };
+    const QImage actual =
+        clipped([&text](QPainter& painter, QSize s) { text.draw(painter, kArea, s); });
+    QCOMPARE(actual, clipped(drawLaidOut));
 }
 
 QTEST_MAIN(tst_SizeText)

@@ -3,6 +3,7 @@
 #include "ToolBarButton.h"
 
 #include <QApplication>
+#include <QBackingStore>
 #include <QPainter>
 #include <QProxyStyle>
 #include <QStyleFactory>
@@ -13,7 +14,8 @@ namespace
 {
 
 constexpr QSize kSizePx(60, 26);
-constexpr QRect kStrip(0, 5, 60, 7);
+constexpr int kStripHeightPx = 7;
+constexpr QRect kStrip(0, 5, 60, kStripHeightPx);
 
 /// Counts how often a button is drawn, each time in another colour.
 class CountingStyle : public QProxyStyle
@@ -34,14 +36,14 @@ public:
     mutable int count = 0;
 };
 
-/// A button in a shown window, as the window's pixels show it.
+/// A button in a shown window, and the pixels of the window.
 template <typename Button>
 class Shown
 {
 public:
-    Shown()
+    explicit Shown(const QColor& background = Qt::white)
     {
-        m_bar.setPalette(QPalette(Qt::white));
+        m_bar.setPalette(QPalette(background));
         m_bar.resize(kSizePx);
         button.setParent(&m_bar);
         button.setPalette(QApplication::palette());
@@ -50,18 +52,19 @@ public:
         m_bar.show();
         if (!QTest::qWaitForWindowExposed(&m_bar))
             qFatal("the window does not come");
-        QApplication::processEvents();
+        paintWhatAsked();
     }
-    QWidget& bar() { return m_bar; }
-    QImage whole() { return part(QRect(QPoint(), kSizePx)); }
-    QImage part(const QRect& area)
+    void paintWhatAsked() const { QApplication::processEvents(); }
+    void uncover(const QRect& area) { m_bar.repaint(area); }
+    void uncoverInStrips()
     {
-        const qreal scale = m_bar.devicePixelRatioF();
-        QImage image(kSizePx * scale, QImage::Format_ARGB32_Premultiplied);
-        image.setDevicePixelRatio(scale);
-        image.fill(Qt::white);
-        button.render(&image, area.topLeft(), area, QWidget::RenderFlags());
-        return image;
+        for (int top = 0; top < kSizePx.height(); top += kStripHeightPx)
+            uncover(QRect(0, top, kSizePx.width(), kStripHeightPx));
+    }
+    QImage pixels() const
+    {
+        const auto* window = dynamic_cast<QImage*>(m_bar.backingStore()->paintDevice());
+        return window->copy(QRect(QPoint(), kSizePx * window->devicePixelRatio()));
     }
 
 private:
@@ -92,13 +95,14 @@ class tst_ToolBarButton : public BehaviourTest
 private slots:
     void looksAsAnyButton_data();
     void looksAsAnyButton();
-    void changedLookIsPainted_data();
-    void changedLookIsPainted();
+    void looksAsAnyButtonFromRightToLeft();
+    void looksAsAnyButtonOnAnyBackground();
     void uncoveredPartIsCopied();
     void buttonThatAsksIsDrawnAnew();
-    void buttonThatIsPartlyHiddenIsDrawnAnew();
+    void buttonThatIsPartlyCoveredIsDrawnAnew();
     void changeWhileHiddenIsDrawn();
     void changeOfSizeIsDrawn();
+    void grabbedButtonLeavesTheWindowAsItIs();
 };
 
 void tst_ToolBarButton::looksAsAnyButton_data()
@@ -140,27 +144,33 @@ void tst_ToolBarButton::looksAsAnyButton()
     Shown<ToolBarButton> ours;
     change(any.button);
     change(ours.button);
-    QCOMPARE(ours.whole(), any.whole());
-    QCOMPARE(ours.part(kStrip), any.part(kStrip));
+    any.paintWhatAsked();
+    QCOMPARE(ours.pixels(), any.pixels());
+    ours.uncoverInStrips();
+    QCOMPARE(ours.pixels(), any.pixels());
 }
 
-void tst_ToolBarButton::changedLookIsPainted_data()
+void tst_ToolBarButton::looksAsAnyButtonFromRightToLeft()
 {
-    looksAsAnyButton_data();
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    {
+        Shown<QPushButton> any;
+        Shown<ToolBarButton> ours;
+        any.button.setText("done");
+        ours.button.setText("done");
+        any.paintWhatAsked();
+        ours.uncoverInStrips();
+        QCOMPARE(ours.pixels(), any.pixels());
+    }
+    QApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
-// The window paints what asks for it, and afterwards a part that was uncovered.
-void tst_ToolBarButton::changedLookIsPainted()
+void tst_ToolBarButton::looksAsAnyButtonOnAnyBackground()
 {
-    QFETCH(Change, change);
-    Shown<QPushButton> any;
-    Shown<ToolBarButton> ours;
-    ours.whole();
-    change(any.button);
-    change(ours.button);
-    QApplication::processEvents();
-    ours.bar().repaint(kStrip);
-    QCOMPARE(ours.part(kStrip), any.part(kStrip));
+    const Shown<QPushButton> any(QColor(90, 140, 30));
+    Shown<ToolBarButton> ours(QColor(90, 140, 30));
+    ours.uncoverInStrips();
+    QCOMPARE(ours.pixels(), any.pixels());
 }
 
 void tst_ToolBarButton::uncoveredPartIsCopied()
@@ -168,15 +178,12 @@ void tst_ToolBarButton::uncoveredPartIsCopied()
     CountingStyle style;
     Shown<ToolBarButton> shown;
     shown.button.setStyle(&style);
-    QApplication::processEvents();
-    const QImage before = shown.whole();
+    shown.paintWhatAsked();
+    const QImage before = shown.pixels();
     const int drawn = style.count;
     QVERIFY(drawn > 0);
-    for (int top = 0; top < kSizePx.height(); top += kStrip.height()) {
-        const QRect strip(0, top, kSizePx.width(), qMin(kStrip.height(), kSizePx.height() - top));
-        QCOMPARE(shown.part(strip).copy(strip), before.copy(strip));
-        shown.bar().repaint(strip);
-    }
+    shown.uncoverInStrips();
+    QCOMPARE(shown.pixels(), before);
     QCOMPARE(style.count, drawn);
 }
 
@@ -186,43 +193,53 @@ void tst_ToolBarButton::buttonThatAsksIsDrawnAnew()
     CountingStyle style;
     Shown<ToolBarButton> shown;
     shown.button.setStyle(&style);
-    shown.whole();
+    shown.paintWhatAsked();
     for (int step = 0; step < 3; ++step) {
         const int drawn = style.count;
-        const QImage before = shown.part(kStrip);
+        const QImage before = shown.pixels();
         shown.button.update();
-        QApplication::processEvents();
+        shown.paintWhatAsked();
         QCOMPARE(style.count, drawn + 1);
-        QVERIFY(shown.part(kStrip) != before);
-        QCOMPARE(style.count, drawn + 1);
+        const QImage after = shown.pixels();
+        QVERIFY(after != before);
+        shown.uncoverInStrips();
+        QCOMPARE(shown.pixels(), after);
     }
 }
 
-void tst_ToolBarButton::buttonThatIsPartlyHiddenIsDrawnAnew()
+void tst_ToolBarButton::buttonThatIsPartlyCoveredIsDrawnAnew()
 {
-    CountingStyle style;
-    Shown<ToolBarButton> shown;
-    shown.button.setStyle(&style);
-    shown.button.move(kSizePx.width() / 2, 0);
-    QApplication::processEvents();
-    const int drawn = style.count;
-    shown.button.update();
-    QApplication::processEvents();
-    QCOMPARE(style.count, drawn + 1);
-    shown.bar().repaint(kStrip);
-    QCOMPARE(style.count, drawn + 1);
+    Shown<QPushButton> any;
+    Shown<ToolBarButton> ours;
+    QWidget cover(ours.button.parentWidget());
+    cover.setPalette(QPalette(Qt::red));
+    cover.setAutoFillBackground(true);
+    cover.setGeometry(kSizePx.width() / 2, 0, kSizePx.width(), kSizePx.height());
+    cover.show();
+    ours.paintWhatAsked();
+    any.button.setText("done");
+    ours.button.setText("done");
+    any.paintWhatAsked();
+    const QRect seen(QPoint(), QSize(kSizePx.width() / 2, kSizePx.height()));
+    QCOMPARE(ours.pixels().copy(seen), any.pixels().copy(seen));
+    QCOMPARE(ours.pixels().pixelColor(50, 10), QColor(Qt::red));
+    cover.hide();
+    ours.paintWhatAsked();
+    QCOMPARE(ours.pixels(), any.pixels());
 }
 
 void tst_ToolBarButton::changeWhileHiddenIsDrawn()
 {
-    CountingStyle style;
-    Shown<ToolBarButton> shown;
-    shown.button.setStyle(&style);
-    const QImage before = shown.part(kStrip);
-    shown.button.hide();
-    shown.button.setText("changed");
-    shown.button.show();
-    QVERIFY(shown.part(kStrip) != before);
+    Shown<QPushButton> any;
+    Shown<ToolBarButton> ours;
+    for (QPushButton* button : {&any.button, static_cast<QPushButton*>(&ours.button)}) {
+        button->hide();
+        button->setText("done");
+        button->show();
+    }
+    any.paintWhatAsked();
+    ours.uncoverInStrips();
+    QCOMPARE(ours.pixels(), any.pixels());
 }
 
 void tst_ToolBarButton::changeOfSizeIsDrawn()
@@ -231,8 +248,21 @@ void tst_ToolBarButton::changeOfSizeIsDrawn()
     Shown<ToolBarButton> ours;
     for (QPushButton* button : {&any.button, static_cast<QPushButton*>(&ours.button)})
         button->setFixedSize(kSizePx - QSize(20, 6));
-    QCOMPARE(ours.part(kStrip), any.part(kStrip));
-    QCOMPARE(ours.whole(), any.whole());
+    any.paintWhatAsked();
+    ours.uncoverInStrips();
+    QCOMPARE(ours.pixels(), any.pixels());
+}
+
+// The picture that is grabbed has nothing behind the button's round corners.
+void tst_ToolBarButton::grabbedButtonLeavesTheWindowAsItIs()
+{
+    Shown<ToolBarButton> shown(QColor(90, 140, 30));
+    const QImage before = shown.pixels();
+    QPixmap transparent(kSizePx);
+    transparent.fill(Qt::transparent);
+    shown.button.render(&transparent, QPoint(), QRegion(), QWidget::RenderFlags());
+    shown.uncoverInStrips();
+    QCOMPARE(shown.pixels(), before);
 }
 
 QTEST_MAIN(tst_ToolBarButton)

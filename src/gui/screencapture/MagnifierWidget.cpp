@@ -46,18 +46,28 @@ void MagnifierWidget::paintEvent(QPaintEvent* /*event*/)
     QPainter painter(this);
     if (!m_origImage.isNull())
         painter.drawImage(rect(), m_origImage);
-    painter.drawImage(0, 0, m_marks);
+    if (m_marks.isNull())
+        paintMarks(painter);
+    else
+        painter.drawImage(0, 0, m_marks);
 }
 
 void MagnifierWidget::updateMarks()
 {
     const qreal scale = devicePixelRatioF();
-    if (m_marks.size() == size() * scale)
+    if (m_marks.size() == size() * scale && m_marks.devicePixelRatio() == scale)
         return;
     m_marks = QImage(size() * scale, QImage::Format_ARGB32_Premultiplied);
     m_marks.setDevicePixelRatio(scale);
+    if (m_marks.isNull())
+        return;
     m_marks.fill(Qt::transparent);
     QPainter painter(&m_marks);
+    paintMarks(painter);
+}
+
+void MagnifierWidget::paintMarks(QPainter& painter) const
+{
     paintFrames(painter);
     paintCrossHair(painter);
 }

@@ -28,6 +28,7 @@ protected:
 
 private:
     void updateMarks();
+    void paintMarks(QPainter& painter) const;
     void paintFrames(QPainter& painter) const;
     void paintCrossHair(QPainter& painter) const;
 

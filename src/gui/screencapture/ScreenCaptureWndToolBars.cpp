@@ -197,17 +197,17 @@ void ScreenCaptureWnd::initSubToolBar()
 {
     m_subToolBar = createToolBar(QStringLiteral("subToolBar"), QMargins(0, 0, 0, 0));
 
-    m_fontSizeLabel = new QLabel;
-    m_fontSizeLabel->setPixmap(QPixmap(icon("text")));
-    m_fontSizeLabel->setMargin(kFontSizeLabelMarginPx);
-    m_fontSizeBox = createFontSizeBox();
     m_penWidthWidget = new PenWidthWidget(m_subToolBar);
     connect(m_penWidthWidget, SIGNAL(currentWidthChanged(int)), this, SLOT(onPenWidthChanged(int)));
-    m_mosaicPanel = createMosaicPanel();
     m_colorWidget = new ColorWidget(m_subToolBar);
     m_colorWidget->setAccessibleName(tr("Color"));
     connect(m_colorWidget, SIGNAL(currentColorChanged(QColor)), this,
             SLOT(onPenColorChanged(QColor)));
+    m_fontSizeLabel = new QLabel(m_subToolBar);
+    m_fontSizeLabel->setPixmap(QPixmap(icon("text")));
+    m_fontSizeLabel->setMargin(kFontSizeLabelMarginPx);
+    m_fontSizeBox = createFontSizeBox();
+    m_mosaicPanel = createMosaicPanel();
 
     QLayout* layout = m_subToolBar->layout();
     layout->addWidget(m_fontSizeLabel);

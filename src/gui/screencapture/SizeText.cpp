@@ -32,6 +32,12 @@ qreal placed(qreal position)
     return std::trunc(position * kPlacesPerPx) / kPlacesPerPx;
 }
 
+// Text from right to left is put into another order.
+bool runsLeftToRight(const QPainter& painter)
+{
+    return painter.layoutDirection() != Qt::RightToLeft;
+}
+
 // Whether a pixel of the painter is one of the device.
 bool isOnPixels(const QPainter& painter)
 {
@@ -58,10 +64,13 @@ bool areEvenlySpaced(const QVector<QPointF>& positions, qreal advance)
 
 void SizeText::draw(QPainter& painter, const QRect& area, const QSize& size)
 {
-    if (!m_cell.isValid() || m_font != painter.font())
-        layOut(painter.font());
+    const int dpi = painter.device()->logicalDpiY();
+    if (m_font != painter.font() || m_dpi != dpi) {
+        m_dpi = dpi;
+        layOut(painter.font(), painter.device());
+    }
     write(size);
-    if (isOnPixels(painter) && spell())
+    if (runsLeftToRight(painter) && isOnPixels(painter) && spell())
         drawSpelled(painter, area);
     else
         painter.drawText(area, Qt::AlignCenter, QString::fromLatin1(m_text.data(), m_length));
@@ -77,12 +86,12 @@ void SizeText::write(const QSize& size)
     m_length = int(end - m_text.data());
 }
 
-void SizeText::layOut(const QFont& font)
+void SizeText::layOut(const QFont& font, QPaintDevice* device)
 {
     m_font = font;
     m_run.clear();
     const QString characters = QString::fromLatin1(kCharacters);
-    QTextLayout layout(characters, font);
+    QTextLayout layout(characters, font, device);
     layout.beginLayout();
     const QTextLine line = layout.createLine();
     layout.endLayout();

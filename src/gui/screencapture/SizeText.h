@@ -7,6 +7,7 @@
 #include <QSizeF>
 #include <array>
 
+class QPaintDevice;
 class QPainter;
 class QRect;
 class QSize;
@@ -27,7 +28,7 @@ private:
     static constexpr int kMaxLength = 25;
 
     void write(const QSize& size);
-    void layOut(const QFont& font);
+    void layOut(const QFont& font, QPaintDevice* device);
     void takeGlyphs(const QGlyphRun& run);
     bool spell();
     void drawSpelled(QPainter& painter, const QRect& area) const;
@@ -36,6 +37,7 @@ private:
     int m_length = 0;
     /// The font that was laid out, its glyphs, and the room that each takes.
     QFont m_font;
+    int m_dpi = 0;
     std::array<quint32, 12> m_glyphs = {};
     QSizeF m_cell;
     /// The text in glyphs; the run only points to the two arrays.

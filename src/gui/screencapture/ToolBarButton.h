@@ -6,9 +6,9 @@
 
 /// A button of the main tool bar.
 ///
-/// It keeps its picture: when the selection moves behind the tool bar, strips of the buttons have
-/// to be painted at each move of the mouse, and copying them is much faster than having the style
-/// draw them. To be put on white. GUI thread only.
+/// It keeps its pixels: when the selection moves behind the tool bar, strips of the buttons have to
+/// be painted at each move of the mouse, and copying them is much faster than having the style draw
+/// them. GUI thread only.
 class ToolBarButton : public QPushButton
 {
 public:
@@ -16,11 +16,12 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void hideEvent(QHideEvent* event) override;
 
 private:
-    bool isPictureUsable(const QRegion& asked) const;
-    void takePicture();
+    bool isOnlyUncovered(const QRegion& asked) const;
+    bool copyPicture(const QRegion& asked);
+    QImage takePicture();
+    const QImage* pixelsOfWindow(const QPainter& painter) const;
 
     QImage m_picture;
 };
