@@ -15,6 +15,7 @@ const QSize kSizes[] = {{0, 0},     {1, 1},       {9, 10},      {23, 45},      {
                         {89, 1234}, {1920, 1080}, {7680, 4320}, {98765, 43210}};
 
 using Drawing = std::function<void(QPainter& painter, const QSize& size)>;
+using State = std::function<void(QPainter& painter)>;
 
 QImage drawn(const QFont& font, const QSize& size, const QTransform& transform,
              const Drawing& drawing)
@@ -37,6 +38,8 @@ void drawLaidOut(QPainter& painter, const QSize& size)
 
 } // namespace
 
+Q_DECLARE_METATYPE(State)
+
 class tst_SizeText : public BehaviourTest
 {
     Q_OBJECT
@@ -46,10 +49,9 @@ private slots:
     void looksAsLaidOutText();
     void longestSizeIsDrawn();
     void followsThePaintersFont();
-    void followsThePaintersPen();
-    void followsThePaintersDirection();
+    void followsThePaintersState_data();
+    void followsThePaintersState();
     void followsTheDevicesResolution();
-    void staysInThePaintersClip();
 };
 
 void tst_SizeText::looksAsLaidOutText_data()
@@ -121,36 +123,37 @@ void tst_SizeText::followsThePaintersFont()
     }
 }
 
-void tst_SizeText::followsThePaintersPen()
+void tst_SizeText::followsThePaintersState_data()
 {
+    QTest::addColumn<State>("state");
+
+    QTest::newRow("pen") << State([](QPainter& painter) { painter.setPen(QColor(200, 30, 90)); });
+    QTest::newRow("translucent pen")
+        << State([](QPainter& painter) { painter.setPen(QColor(0, 255, 0, 128)); });
+    QTest::newRow("right to left")
+        << State([](QPainter& painter) { painter.setLayoutDirection(Qt::RightToLeft); });
+    // Cuts off what the area does not.
+    QTest::newRow("clip") << State(
+        [](QPainter& painter) { painter.setClipRect(QRect(30, 0, 20, 25)); });
+}
+
+void tst_SizeText::followsThePaintersState()
+{
+    QFETCH(State, state);
     SizeText text;
-    for (const QColor& color : {QColor(Qt::white), QColor(200, 30, 90), QColor(0, 255, 0, 128)}) {
-        const auto inColor = [&color](const Drawing& drawing) {
-            return drawn(QFont("Courier New", 14), QSize(640, 480), QTransform(),
+    for (const QSize& size : kSizes) {
+        const auto inState = [&](const Drawing& drawing) {
+            return drawn(QFont("Courier New", 14), size, QTransform(),
                          [&](QPainter& painter, const QSize& s) {
-                             painter.setPen(color);
+                             state(painter);
                              drawing(painter, s);
+                             painter.fillRect(QRect(45, 0, 2, 120), Qt::red);
                          });
         };
         const QImage actual =
-            inColor([&text](QPainter& painter, QSize s) { text.draw(painter, kArea, s); });
-        QCOMPARE(actual, inColor(drawLaidOut));
+            inState([&text](QPainter& painter, QSize s) { text.draw(painter, kArea, s); });
+        QCOMPARE(actual, inState(drawLaidOut));
     }
-}
-
-void tst_SizeText::followsThePaintersDirection()
-{
-    SizeText text;
-    const auto fromRightToLeft = [](const Drawing& drawing) {
-        return drawn(QFont("Courier New", 14), QSize(151, 201), QTransform(),
-                     [&](QPainter& painter, const QSize& s) {
-                         painter.setLayoutDirection(Qt::RightToLeft);
-                         drawing(painter, s);
-                     });
-    };
-    const QImage actual =
-        fromRightToLeft([&text](QPainter& painter, QSize s) { text.draw(painter, kArea, s); });
-    QCOMPARE(actual, fromRightToLeft(drawLaidOut));
 }
 
 void tst_SizeText::followsTheDevicesResolution()
@@ -174,23 +177,6 @@ void tst_SizeText::followsTheDevicesResolution()
         QCOMPARE(actual, onDevice(dotsPerMeter, drawLaidOut));
     }
     QVERIFY(onDevice(kDotsPerMeter[0], drawLaidOut) != onDevice(kDotsPerMeter[1], drawLaidOut));
-}
-
-// Text that is cut off at its area's sides is not painted outside of what the painter may paint.
-void tst_SizeText::staysInThePaintersClip()
-{
-    SizeText text;
-    const auto clipped = [](const Drawing& drawing) {
-        return drawn(QFont("Courier New", 14), QSize(98765, 43210), QTransform(),
-                     [&](QPainter& painter, const QSize& s) {
-                         painter.setClipRect(QRect(30, 0, 20, 25));
-                         drawing(painter, s);
-                         painter.fillRect(QRect(45, 0, 2, 120), Qt::red);
-                     });
-    };
-    const QImage actual =
-        clipped([&text](QPainter& painter, QSize s) { text.draw(painter, kArea, s); });
-    QCOMPARE(actual, clipped(drawLaidOut));
 }
 
 QTEST_MAIN(tst_SizeText)
