@@ -25,8 +25,10 @@ bool ToolBarButton::isOnlyUncovered(const QRegion& asked) const
 
 bool ToolBarButton::copyPicture(const QRegion& asked)
 {
+    if (m_picture.size() != size())
+        return false;
     QPainter painter(this);
-    if (m_picture.size() != size() || !pixelsOfWindow(painter))
+    if (!pixelsOfWindow(painter))
         return false;
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     for (const QRect& area : asked)
@@ -38,18 +40,19 @@ QImage ToolBarButton::takePicture()
 {
     const QPainter painter(this);
     const QImage* const pixels = pixelsOfWindow(painter);
+    if (!pixels)
+        return {};
     const QPoint origin = painter.deviceTransform().map(QPoint());
-    return pixels ? pixels->copy(QRect(origin, size())) : QImage();
+    return pixels->copy(QRect(origin, size()));
 }
 
 // Null when something else is painted into, as by grab(), and on a dense screen, where the button
 // may begin between two pixels.
 const QImage* ToolBarButton::pixelsOfWindow(const QPainter& painter) const
 {
-    const QPaintDevice* const device = painter.paintEngine()->paintDevice();
-    const QBackingStore* const store = backingStore();
-    if (!store || device != const_cast<QBackingStore*>(store)->paintDevice() ||
-        devicePixelRatioF() != 1)
+    QBackingStore* const store = backingStore();
+    if (!store || !painter.isActive() || devicePixelRatioF() != 1)
         return nullptr;
-    return dynamic_cast<const QImage*>(device);
+    const QPaintDevice* const device = painter.paintEngine()->paintDevice();
+    return device == store->paintDevice() ? dynamic_cast<const QImage*>(device) : nullptr;
 }
