@@ -95,7 +95,10 @@ private slots:
     void solidBorderIsThatOfDrawRect_data();
     void solidBorderIsThatOfDrawRect();
     void invertedRectangleIsPaintedRaw();
+    void labelIsPaintedOnTop_data();
     void labelIsPaintedOnTop();
+    void labelOfALongSizeShowsAllDigits_data();
+    void labelOfALongSizeShowsAllDigits();
     void painterStateIsChanged();
     void labelFontCanBeTranslated();
     void handlesArePaintedByTheirNumber();
@@ -709,21 +712,61 @@ void tst_ResizableRect::invertedRectangleIsPaintedRaw()
     QCOMPARE(rendered(raw), expected);
 }
 
+void tst_ResizableRect::labelIsPaintedOnTop_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<Qt::LayoutDirection>("direction");
+    QTest::newRow("short") << QSize(100, 50) << "100 x 50" << Qt::LeftToRight;
+    QTest::newRow("as wide as the label") << QSize(640, 480) << "640 x 480" << Qt::LeftToRight;
+    QTest::newRow("right to left") << QSize(502, 80) << "502 x 80" << Qt::RightToLeft;
+}
+
 void tst_ResizableRect::labelIsPaintedOnTop()
 {
-    ResizableRect rect(nullptr, kRect);
-    rect.setBorderSolidPaint(true);
+    QFETCH(QSize, size);
+    QFETCH(QString, text);
+    QFETCH(Qt::LayoutDirection, direction);
+    const QRect region(QPoint(10, 10), size);
+    ResizableRect rect(nullptr, region);
     rect.setSizeInforVisible(true);
+    QImage actual = canvas();
+    QPainter given(&actual);
+    given.setLayoutDirection(direction);
+    rect.render(given);
+    given.end();
     QImage expected = canvas();
     QPainter painter(&expected);
-    paintOutline(painter, kRect, kColor);
-    paintHandles(painter, kColor);
+    rect.setSizeInforVisible(false);
+    rect.render(painter);
     painter.fillRect(QRect(10, 10, 100, 28), QColor(0, 0, 0, 128));
     painter.setPen(Qt::white);
     painter.setFont(QFont("Courier New", 14));
-    painter.drawText(QRect(10, 10, 100, 28), Qt::AlignCenter, "100 x 50");
+    painter.drawText(QRect(10, 10, 100, 28), Qt::AlignCenter, text);
     painter.end();
-    QCOMPARE(rendered(rect), expected);
+    QCOMPARE(actual, expected);
+}
+
+void tst_ResizableRect::labelOfALongSizeShowsAllDigits_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("full HD") << QSize(1920, 1080);
+    QTest::newRow("8K") << QSize(7680, 4320);
+    QTest::newRow("largest widget") << QSize(16777215, 16777215);
+}
+
+// A digit that is cut off would not tell these apart.
+void tst_ResizableRect::labelOfALongSizeShowsAllDigits()
+{
+    QFETCH(QSize, size);
+    const auto label = [](const QSize& s) {
+        ResizableRect rect(nullptr, QRect(QPoint(0, 0), s));
+        rect.setSizeInforVisible(true);
+        return rendered(rect).copy(0, 0, 140, 60);
+    };
+    const QImage image = label(size);
+    QVERIFY(label(size - QSize(1000, 0)) != image);
+    QVERIFY(label(size - QSize(0, 1)) != image);
 }
 
 void tst_ResizableRect::painterStateIsChanged()

@@ -3,6 +3,7 @@
 
 #include <QEvent>
 #include <QFont>
+#include <QFontMetrics>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPen>
@@ -100,6 +101,24 @@ void drawFrame(QPainter& painter, const QRect& rect)
     const QRect inner = outer.adjusted(1, 1, -1, -1);
     if (painter.brush() != Qt::NoBrush && inner.isValid())
         painter.fillRect(inner, painter.brush());
+}
+
+// Condenses a text whose ink is wider than the area, so that no digit is lost. An application from
+// right to left would read the height first.
+void drawCondensed(QPainter& painter, const QRect& area, const QString& text)
+{
+    constexpr int flags = Qt::AlignCenter | Qt::TextForceLeftToRight;
+    const QFontMetrics metrics = painter.fontMetrics();
+    if (metrics.tightBoundingRect(text).width() <= area.width()) {
+        painter.drawText(area, flags, text);
+        return;
+    }
+    const int width = metrics.horizontalAdvance(text);
+    painter.save();
+    painter.translate(area.topLeft());
+    painter.scale(qreal(area.width()) / width, 1);
+    painter.drawText(QRect(0, 0, width, area.height()), flags, text);
+    painter.restore();
 }
 
 } // namespace
@@ -476,7 +495,7 @@ void ResizableRect::renderHandles(QPainter& painter) const
         drawFrame(painter, handle);
 }
 
-void ResizableRect::renderSizeInfor(QPainter& painter)
+void ResizableRect::renderSizeInfor(QPainter& painter) const
 {
     const QRect label = sizeInforPaintRect();
     painter.setBrush(QBrush(QColor(0, 0, 0, kSizeLabelAlpha), Qt::SolidPattern));
@@ -485,7 +504,8 @@ void ResizableRect::renderSizeInfor(QPainter& painter)
 
     painter.setPen(Qt::white);
     painter.setFont(QFont(QObject::tr("Courier New"), kSizeLabelPointSize));
-    m_sizeText.draw(painter, label, rect().size());
+    drawCondensed(painter, label,
+                  QStringLiteral("%1 x %2").arg(rect().width()).arg(rect().height()));
 }
 
 QRect ResizableRect::sizeInforPaintRect() const

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "SizeText.h"
-
 #include <QColor>
 #include <QCursor>
 #include <QList>
@@ -148,7 +146,7 @@ private:
     void repaint();
     void renderBorder(QPainter& painter) const;
     void renderHandles(QPainter& painter) const;
-    void renderSizeInfor(QPainter& painter);
+    void renderSizeInfor(QPainter& painter) const;
 
     QWidget* m_widget;
     QCursor m_widgetCursor;
@@ -163,6 +161,5 @@ private:
     bool m_borderSolidPaint = false;
     QColor m_color = QColor("#8888ff");
     bool m_sizeInforVisible = false;
-    SizeText m_sizeText;
     int m_graphPenWidth = 8;
 };
