@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
-#include "ToolBarButton.h"
 #include "ToolBarsProbe.h"
 
 #include <QAccessible>
@@ -65,7 +64,6 @@ private slots:
     void redoHasTheSizeThatTheLayoutGives();
     void redoIsDisabledAtFirst();
     void doneIsTheOnlyDefaultButton();
-    void everyButtonOfTheMainBarKeepsItsPicture();
     void subBarHasSixItems();
     void subBarItemHasItsClass_data();
     void subBarItemHasItsClass();
@@ -230,14 +228,6 @@ void tst_ScreenCaptureWnd_toolbars::doneIsTheOnlyDefaultButton()
             defaults << button;
     }
     QCOMPARE(defaults, QList<QPushButton*>{capture.button(Done)});
-}
-
-void tst_ScreenCaptureWnd_toolbars::everyButtonOfTheMainBarKeepsItsPicture()
-{
-    const ToolBarsProbe probe;
-    for (QPushButton* button : probe.mainBar()->findChildren<QPushButton*>())
-        QVERIFY(dynamic_cast<ToolBarButton*>(button));
-    QCOMPARE(probe.mainBar()->findChildren<QPushButton*>().size(), 11);
 }
 
 void tst_ScreenCaptureWnd_toolbars::subBarHasSixItems()

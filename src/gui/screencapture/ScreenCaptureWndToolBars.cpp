@@ -8,7 +8,6 @@
 #include "ScreenCaptureWnd.h"
 #include "ScribbleArea.h"
 #include "StyleSheets.h"
-#include "ToolBarButton.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -163,7 +162,7 @@ QPushButton* ScreenCaptureWnd::createToolButton(const QString& name, const QStri
 QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QString& toolTip,
                                                    const char* slot)
 {
-    auto* button = new ToolBarButton(QIcon(icon(name)), QString());
+    auto* button = new QPushButton(QIcon(icon(name)), QString());
     button->setToolTip(toolTip);
     button->setStyleSheet(style::kDarkToolTip);
     button->setAccessibleName(toolTip);
@@ -175,7 +174,7 @@ QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QS
 
 QPushButton* ScreenCaptureWnd::createDoneButton()
 {
-    auto* button = new ToolBarButton(QIcon(icon("done")), tr("done"));
+    auto* button = new QPushButton(QIcon(icon("done")), tr("done"));
     button->setObjectName(QStringLiteral("doneButton"));
     button->setFixedSize(kDoneButtonSizePx);
     button->setStyleSheet(style::kDarkText);
