@@ -58,7 +58,6 @@ private slots:
     void eachSourcePixelIsABlock();
     void nullImageLeavesFramesAndCross();
     void framesAndCrossFollowBothSides();
-    void framesAndCrossFollowLaterChanges();
     void imageOfADenseScreenFillsTheLoupe();
     void framesAndCrossAreAsFineAsTheScreen();
     void unevenImageIsStretched();
@@ -136,30 +135,6 @@ void tst_MagnifierWidget::nullImageLeavesFramesAndCross()
     paintCrossHair(painter, 80, kCross);
     painter.end();
     QCOMPARE(painted(loupe), expected);
-}
-
-void tst_MagnifierWidget::framesAndCrossFollowLaterChanges()
-{
-    MagnifierWidget loupe(nullptr);
-    loupe.setSize(80);
-    loupe.setCrossColor(kCross);
-    painted(loupe);
-    const auto expected = [](int side, const QColor& color) {
-        QImage image(side, side, QImage::Format_RGB32);
-        image.fill(Qt::magenta);
-        QPainter painter(&image);
-        paintFrames(painter, side);
-        paintCrossHair(painter, side, color);
-        painter.end();
-        return image;
-    };
-    loupe.setCrossColor(Qt::red);
-    QCOMPARE(painted(loupe), expected(80, Qt::red));
-    loupe.setSize(50);
-    QCOMPARE(painted(loupe), expected(50, Qt::red));
-    loupe.setCrossColor(kCross);
-    loupe.setSize(120);
-    QCOMPARE(painted(loupe), expected(120, kCross));
 }
 
 void tst_MagnifierWidget::imageOfADenseScreenFillsTheLoupe()

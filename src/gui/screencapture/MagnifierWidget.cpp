@@ -36,38 +36,14 @@ void MagnifierWidget::setOrigImage(const QImage& image)
 void MagnifierWidget::setCrossColor(const QColor& color)
 {
     m_crossColor = color;
-    m_marks = QImage();
     update();
 }
 
 void MagnifierWidget::paintEvent(QPaintEvent* /*event*/)
 {
-    updateMarks();
     QPainter painter(this);
     if (!m_origImage.isNull())
         painter.drawImage(rect(), m_origImage);
-    if (m_marks.isNull())
-        paintMarks(painter);
-    else
-        painter.drawImage(0, 0, m_marks);
-}
-
-void MagnifierWidget::updateMarks()
-{
-    const qreal scale = devicePixelRatioF();
-    if (m_marks.size() == size() * scale && m_marks.devicePixelRatio() == scale)
-        return;
-    m_marks = QImage(size() * scale, QImage::Format_ARGB32_Premultiplied);
-    m_marks.setDevicePixelRatio(scale);
-    if (m_marks.isNull())
-        return;
-    m_marks.fill(Qt::transparent);
-    QPainter painter(&m_marks);
-    paintMarks(painter);
-}
-
-void MagnifierWidget::paintMarks(QPainter& painter) const
-{
     paintFrames(painter);
     paintCrossHair(painter);
 }

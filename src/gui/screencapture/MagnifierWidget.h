@@ -27,13 +27,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void updateMarks();
-    void paintMarks(QPainter& painter) const;
     void paintFrames(QPainter& painter) const;
     void paintCrossHair(QPainter& painter) const;
 
     QImage m_origImage;
     QColor m_crossColor;
-    /// Frames and cross-hair, which are the same in each painting.
-    QImage m_marks;
 };
