@@ -661,6 +661,7 @@ void tst_ResizableRect::solidBorderIsThatOfDrawRect_data()
     QTest::newRow("inverted") << QRect(QPoint(80, 60), QPoint(20, 10)) << 1.0;
     QTest::newRow("inverted by one") << QRect(QPoint(30, 30), QPoint(28, 28)) << 1.0;
     QTest::newRow("over the edge") << QRect(-10, -10, 300, 200) << 1.0;
+    QTest::newRow("handles cut by the left edge") << QRect(0, 20, 60, 40) << 1.0;
     QTest::newRow("twice as dense") << QRect(10, 10, 30, 20) << 2.0;
 }
 

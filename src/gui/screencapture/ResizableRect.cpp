@@ -19,7 +19,6 @@ constexpr qreal kBorderWidthPx = 1.0;
 
 constexpr QSize kSizeLabelPx(100, 28);
 constexpr int kSizeLabelPointSize = 14;
-constexpr int kOpaqueAlpha = 255;
 constexpr int kSizeLabelAlpha = 128;
 
 using R = ResizableRect;
@@ -67,40 +66,6 @@ const ArrowMap* flipTable(const QRect& r)
 QPen borderPen(const QColor& color, Qt::PenStyle style)
 {
     return {QBrush(color, Qt::SolidPattern), kBorderWidthPx, style, Qt::RoundCap, Qt::RoundJoin};
-}
-
-// Whether a line of the pen is one pixel of the device wide and hides what is below.
-bool drawsOnePixel(const QPainter& painter)
-{
-    const QPen& pen = painter.pen();
-    return pen.style() == Qt::SolidLine && pen.width() == 1 &&
-           pen.color().alpha() == kOpaqueAlpha &&
-           painter.deviceTransform().type() <= QTransform::TxTranslate;
-}
-
-// What drawRect() draws, without its pen, which is several times slower than filling.
-void drawFrame(QPainter& painter, const QRect& rect)
-{
-    if (!drawsOnePixel(painter)) {
-        painter.drawRect(rect);
-        return;
-    }
-    const QColor color = painter.pen().color();
-    // As drawRect() has it, one pixel wider and higher, and turned round where it is inverted.
-    const QPoint opposite = rect.bottomRight() + QPoint(1, 1);
-    const QRect outer(QPoint(qMin(rect.left(), opposite.x()), qMin(rect.top(), opposite.y())),
-                      QPoint(qMax(rect.left(), opposite.x()), qMax(rect.top(), opposite.y())));
-    if (painter.brush() == QBrush(color)) {
-        painter.fillRect(outer, color);
-        return;
-    }
-    painter.fillRect(QRect(outer.topLeft(), QSize(outer.width(), 1)), color);
-    painter.fillRect(QRect(outer.bottomLeft(), QSize(outer.width(), 1)), color);
-    painter.fillRect(QRect(outer.topLeft(), QSize(1, outer.height())), color);
-    painter.fillRect(QRect(outer.topRight(), QSize(1, outer.height())), color);
-    const QRect inner = outer.adjusted(1, 1, -1, -1);
-    if (painter.brush() != Qt::NoBrush && inner.isValid())
-        painter.fillRect(inner, painter.brush());
 }
 
 // Condenses a text whose ink is wider than the area, so that no digit is lost. An application from
@@ -484,7 +449,7 @@ void ResizableRect::render(QPainter& painter)
 void ResizableRect::renderBorder(QPainter& painter) const
 {
     painter.setPen(borderPen(m_color, m_borderSolidPaint ? Qt::SolidLine : Qt::DashLine));
-    drawFrame(painter, m_rect);
+    painter.drawRect(m_rect);
 }
 
 void ResizableRect::renderHandles(QPainter& painter) const
@@ -492,7 +457,7 @@ void ResizableRect::renderHandles(QPainter& painter) const
     painter.setPen(borderPen(m_color, Qt::SolidLine));
     painter.setBrush(QBrush(m_borderSolidPaint ? m_color : QColor(Qt::white), Qt::SolidPattern));
     for (const QRect& handle : m_sectionRects)
-        drawFrame(painter, handle);
+        painter.drawRect(handle);
 }
 
 void ResizableRect::renderSizeInfor(QPainter& painter) const
