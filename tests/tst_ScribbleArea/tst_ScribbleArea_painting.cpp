@@ -2,7 +2,9 @@
 #include "BehaviourTest.h"
 #include "Canvas.h"
 
+#include <QAbstractEventDispatcher>
 #include <QPaintEvent>
+#include <QTimer>
 
 namespace
 {
@@ -37,8 +39,6 @@ public:
         QCoreApplication::sendPostedEvents();
         return m_painted;
     }
-    /// What was painted since repaintedBy() began.
-    const QRegion& painted() const { return m_painted; }
 
 protected:
     void paintEvent(QPaintEvent* event) override
@@ -59,18 +59,6 @@ bool isShownOn(QWidget& parent, Canvas& canvas)
     parent.show();
     return QTest::qWaitForWindowExposed(&parent);
 }
-
-class TimerCounter : public QObject
-{
-public:
-    explicit TimerCounter(QObject& object) { object.installEventFilter(this); }
-    int count = 0;
-    bool eventFilter(QObject* /*watched*/, QEvent* event) override
-    {
-        count += event->type() == QEvent::Timer ? 1 : 0;
-        return false;
-    }
-};
 
 const QPoint kFrom(150, 30);
 const QPoint kOver(120, 50);
@@ -108,9 +96,14 @@ private slots:
     void undoAndRedoRepaintThePicture();
     void newPictureRepaintsEverything();
     void shapePensRepaintEverything();
-    void movesRepaintTheParent();
-    void fastMovesRepaintWhatChangedFirst();
-    void restAfterASingleMoveRepaintsNothing();
+    void firstMoveAndReleaseRepaintAllOfTheParent_data();
+    void firstMoveAndReleaseRepaintAllOfTheParent();
+    void laterMovesOfAStrokeRepaintWhatChanged_data();
+    void laterMovesOfAStrokeRepaintWhatChanged();
+    void laterMovesOfAFrameRepaintOldAndNewPlace_data();
+    void laterMovesOfAFrameRepaintOldAndNewPlace();
+    void movesThatChangeNothingRepaintNothing();
+    void onlyTheMosaicHasATimer();
 };
 
 void tst_ScribbleArea_painting::shapeIsShownWhileItIsEdited_data()
@@ -217,60 +210,111 @@ void tst_ScribbleArea_painting::shapePensRepaintEverything()
     QCOMPARE(canvas.repaintedBy([&] { canvas.setScribblePen(pen); }), QRegion());
 }
 
-void tst_ScribbleArea_painting::movesRepaintTheParent()
+void tst_ScribbleArea_painting::firstMoveAndReleaseRepaintAllOfTheParent_data()
 {
+    QTest::addColumn<int>("type");
+    QTest::newRow("pen") << int(ScribbleArea::PAINT_SCRIBBLE);
+    QTest::newRow("text") << int(ScribbleArea::PAINT_TEXT);
+    QTest::newRow("shape") << int(ScribbleArea::PAINT_GRAPH);
+    QTest::newRow("mosaic") << int(ScribbleArea::PAINT_MOSAIC);
+}
+
+void tst_ScribbleArea_painting::firstMoveAndReleaseRepaintAllOfTheParent()
+{
+    QFETCH(int, type);
     Watched<QWidget> parent;
     Canvas canvas;
     QVERIFY(isShownOn(parent, canvas));
     const QRegion all(parent.rect());
+    canvas.setPaintType(ScribbleArea::PAINT_TYPE(type));
+    for (int stroke = 0; stroke < 2; ++stroke) {
+        canvas.press(kFrom);
+        QCOMPARE(parent.repaintedBy([&] { canvas.move(kOver); }), all);
+        QCOMPARE(parent.repaintedBy([&] { canvas.move(kTo, Qt::NoButton); }), QRegion());
+        QVERIFY(parent.repaintedBy([&] { canvas.move(kTo); }) != all);
+        QCOMPARE(parent.repaintedBy([&] { canvas.release(kTo); }), all);
+    }
+}
+
+void tst_ScribbleArea_painting::laterMovesOfAStrokeRepaintWhatChanged_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("margin");
+    // Half the width of 2 or 16 pixels and 2 more.
+    QTest::newRow("pen") << int(ScribbleArea::PAINT_SCRIBBLE) << 3;
+    QTest::newRow("mosaic") << int(ScribbleArea::PAINT_MOSAIC) << 10;
+}
+
+void tst_ScribbleArea_painting::laterMovesOfAStrokeRepaintWhatChanged()
+{
+    QFETCH(int, type);
+    QFETCH(int, margin);
+    Watched<QWidget> parent;
+    Canvas canvas;
+    QVERIFY(isShownOn(parent, canvas));
+    canvas.setPaintType(ScribbleArea::PAINT_TYPE(type));
     canvas.press(kFrom);
-    QCOMPARE(parent.repaintedBy([&] { canvas.move(kOver); }), all);
-    QCOMPARE(parent.repaintedBy([&] { canvas.move(kTo, Qt::NoButton); }), QRegion());
-    canvas.release(kTo);
-    canvas.setPaintTypeToMosaic();
-    // Without a press nothing is brushed.
-    QCOMPARE(parent.repaintedBy([&] { canvas.move(kOver); }), all);
-    canvas.press(kFrom);
-    QCOMPARE(parent.repaintedBy([&] { canvas.move(kOver); }), all);
-    canvas.release(kOver);
+    canvas.move(kOver);
+    QCOMPARE(parent.repaintedBy([&] { canvas.move(kTo); }),
+             QRegion(QRect(kOver, kTo)
+                         .normalized()
+                         .adjusted(-margin, -margin, margin, margin)
+                         .translated(canvas.pos())));
+}
+
+void tst_ScribbleArea_painting::laterMovesOfAFrameRepaintOldAndNewPlace_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::addColumn<int>("height");
+    // Half of a handle, or of the point of an arrow.
+    QTest::newRow("rectangle") << int(ScribbleArea::GRAPH_RECT) << 4;
+    QTest::newRow("ellipse") << int(ScribbleArea::GRAPH_ELLIPSE) << 4;
+    QTest::newRow("arrow") << int(ScribbleArea::GRAPH_ARROW) << 12;
+}
+
+void tst_ScribbleArea_painting::laterMovesOfAFrameRepaintOldAndNewPlace()
+{
+    QFETCH(int, state);
+    QFETCH(int, height);
+    Watched<QWidget> parent;
+    Canvas canvas;
+    QVERIFY(isShownOn(parent, canvas));
+    canvas.setPaintTypeToGraph();
+    canvas.setGraphState(state);
+    const QPoint from(30, 60);
+    const QPoint over(120, 60);
+    const QPoint to(150, 60);
+    canvas.press(from);
+    canvas.move(over);
+    const QRegion painted = parent.repaintedBy([&] { canvas.move(to); });
+    const QRect both = QRect(from, to).adjusted(-4, -height, 4, height);
+    QVERIFY(QRegion(both.translated(canvas.pos())).subtracted(painted).isEmpty());
+    // A little more, for outlines.
+    const QRect most = both.adjusted(-6, -6, 6, 6).translated(canvas.pos());
+    QVERIFY2(most.contains(painted.boundingRect()), QTest::toString(painted.boundingRect()));
+}
+
+void tst_ScribbleArea_painting::movesThatChangeNothingRepaintNothing()
+{
+    Watched<QWidget> parent;
+    Canvas canvas;
+    QVERIFY(isShownOn(parent, canvas));
     canvas.setPaintTypeToGraph();
     canvas.press(kFrom);
-    // Too short a drag for a frame.
-    QCOMPARE(parent.repaintedBy([&] { canvas.move(kFrom + QPoint(1, 0)); }), all);
-    QTRY_COMPARE(parent.painted(), all);
-}
-
-// So that the line keeps up with the pointer, what changed comes first, and all when it rests.
-void tst_ScribbleArea_painting::fastMovesRepaintWhatChangedFirst()
-{
-    Watched<QWidget> parent;
-    Canvas canvas;
-    QVERIFY(isShownOn(parent, canvas));
-    canvas.press(kFrom);
-    canvas.move(kOver);
-    const QRect changed = QRect(kOver, kTo).normalized().adjusted(-3, -3, 3, 3).translated(50, 40);
-    const QRegion first = parent.repaintedBy([&] { canvas.move(kTo); });
-    QVERIFY(QRegion(changed).subtracted(first).isEmpty());
-    QVERIFY(first != QRegion(parent.rect()));
-    QTRY_COMPARE(parent.painted(), QRegion(parent.rect()));
-    // The release does not wait for the pointer to rest.
     canvas.move(kFrom);
-    canvas.move(kOver);
-    QCOMPARE(parent.repaintedBy([&] { canvas.release(kOver); }), QRegion(parent.rect()));
+    // Too short a drag for a frame.
+    QCOMPARE(parent.repaintedBy([&] { canvas.move(kFrom + QPoint(1, 0)); }), QRegion());
 }
 
-// The first move has asked for all already.
-void tst_ScribbleArea_painting::restAfterASingleMoveRepaintsNothing()
+void tst_ScribbleArea_painting::onlyTheMosaicHasATimer()
 {
-    Watched<QWidget> parent;
     Canvas canvas;
-    QVERIFY(isShownOn(parent, canvas));
     canvas.press(kFrom);
     canvas.move(kOver);
-    TimerCounter timer(canvas);
-    QCOMPARE(parent.repaintedBy([&] { QTRY_COMPARE(timer.count, 1); }), QRegion());
-    canvas.release(kOver);
-    QCOMPARE(parent.repaintedBy([&] { canvas.press(kOver); }), QRegion());
+    canvas.move(kTo);
+    const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(&canvas);
+    QCOMPARE(timers.size(), 0);
+    QCOMPARE(canvas.findChildren<QTimer*>().size(), 0);
 }
 
 QTEST_MAIN(tst_ScribbleArea_painting)

@@ -8,19 +8,17 @@
 #include <QBrush>
 #include <QCursor>
 #include <QImageReader>
-#include <QImageWriter>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
 #include <QTextEdit>
 #include <QVector2D>
-#include <cstdlib>
+#include <array>
 
 namespace
 {
 
 constexpr int kMosaicRebuildDelayMs = 300;
-constexpr int kPointerRestMs = 50;
 constexpr int kStrokeMarginPx = 2;
 constexpr int kTextInsetPx = 4;
 constexpr int kMinDragWidthPx = 4;
@@ -42,30 +40,70 @@ QRect strokeArea(const QPoint& from, const QPoint& to, int width)
     return QRect(from, to).normalized().adjusted(-margin, -margin, margin, margin);
 }
 
-// Zeroed memory of this size costs nothing before something is drawn there, and a brush touches
-// little of the picture.
-QImage transparentImage(const QSize& size)
-{
-    if (size.isEmpty())
-        return {};
-    constexpr size_t kBytesPerPixel = 4;
-    void* pixels = std::calloc(size_t(size.height()), size_t(size.width()) * kBytesPerPixel);
-    if (!pixels)
-        return {};
-    return {static_cast<uchar*>(pixels), size.width(), size.height(),
-            QImage::Format_ARGB32,       std::free,    pixels};
-}
-
-bool canWrite(const char* format)
-{
-    return QImageWriter::supportedImageFormats().contains(QByteArray(format).toLower());
-}
-
 // Intended: to the right and down 3 pixels are enough, to the left and up it takes 5, because a
 // rectangle's width is its right edge minus its left edge plus one.
 bool isDrag(const QRect& r)
 {
     return qAbs(r.width()) >= kMinDragWidthPx || qAbs(r.height()) >= kMinDragHeightPx;
+}
+
+// A canvas without a picture, as over a region that a mere click made, has nothing to draw on.
+template <typename Draw>
+void drawOn(QImage& picture, Draw draw)
+{
+    if (picture.isNull())
+        return;
+    QPainter painter(&picture);
+    draw(painter);
+}
+
+/// An arrow from `points.topLeft()` to `points.bottomRight()`, as two triangles.
+struct Arrow {
+    Arrow(const QRect& points, const ArrowAttribute& attribute);
+    QRect boundingRect() const;
+
+    std::array<QPoint, 3> shaft;
+    std::array<QPoint, 3> head;
+};
+
+Arrow::Arrow(const QRect& points, const ArrowAttribute& attribute)
+{
+    const QVector2D from(points.topLeft());
+    const QVector2D d = QVector2D(points.bottomRight()) - from;
+    const QVector2D u = d.normalized();
+    const QVector2D n(-u.y(), u.x());
+    const QVector2D b =
+        u * static_cast<float>(static_cast<double>(d.length()) - attribute.headLength);
+
+    // The offsets are rounded before the rounded tail is added to them.
+    const QPoint origin = from.toPoint();
+    const QVector2D shaftSide = n * static_cast<float>(attribute.lineWidth);
+    const QVector2D headSide = n * static_cast<float>(attribute.headHalfWidth);
+    const QVector2D tip = from + b + b.normalized() * static_cast<float>(attribute.headLength);
+    shaft = {origin, (shaftSide + b).toPoint() + origin, (-shaftSide + b).toPoint() + origin};
+    head = {tip.toPoint(), (headSide + b).toPoint() + origin, (-headSide + b).toPoint() + origin};
+}
+
+QRect Arrow::boundingRect() const
+{
+    QRect bounds;
+    for (const auto& triangle : {shaft, head}) {
+        for (const QPoint& point : triangle)
+            bounds |= QRect(point, QSize(1, 1));
+    }
+    return bounds;
+}
+
+ArrowAttribute attributeOf(const QPen& pen)
+{
+    ArrowAttribute attribute;
+    attribute.setWidth(pen.width());
+    return attribute;
+}
+
+QRect arrowPoints(ResizableRect& frame)
+{
+    return {frame.arrowTail(), frame.arrowHead()};
 }
 
 } // namespace
@@ -87,6 +125,7 @@ ScribbleArea::ScribbleArea(QWidget* parent)
     m_resizableRect->setVisible(false);
     connect(m_resizableRect, SIGNAL(rectChanged(const QRect&)), this,
             SLOT(onResizableRectChanged(const QRect&)));
+    connect(m_resizableRect, &ResizableRect::rectChanged, this, &ScribbleArea::updateFrame);
 
     connect(&m_mosaicTimer, SIGNAL(timeout()), this, SLOT(onupdateMosaicImage()));
     m_mosaicTimer.setSingleShot(true);
@@ -121,9 +160,6 @@ bool ScribbleArea::openImage(const QString& fileName)
 bool ScribbleArea::saveImage(const QString& fileName, const char* fileFormat)
 {
     finishResizableRect();
-    // Qt empties the file before it notices that it does not know the format.
-    if (fileFormat && !canWrite(fileFormat))
-        return false;
     if (!m_image.save(fileName, fileFormat))
         return false;
     m_modified = false;
@@ -133,8 +169,6 @@ bool ScribbleArea::saveImage(const QString& fileName, const char* fileFormat)
 // Intended: no history entry.
 void ScribbleArea::clearImage()
 {
-    if (!makeWritable())
-        return;
     m_image.fill(qRgb(255, 255, 255));
     m_modified = true;
     update();
@@ -244,8 +278,8 @@ void ScribbleArea::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
 
-    finishRepaintingParent();
     m_lastPoint = event->pos();
+    m_moved = false;
     if (m_resizableRect->isVisible()) {
         m_pressOutsideRect = !m_resizableRect->contains(m_lastPoint);
     } else {
@@ -260,7 +294,6 @@ void ScribbleArea::mousePressEvent(QMouseEvent* event)
 
     if (m_paintType == PAINT_SCRIBBLE) {
         m_scribbling = true;
-        m_strokeHasSegment = false;
         initForDiff(m_lastPoint);
     } else if (m_paintType == PAINT_MOSAIC) {
         m_mosaicking = true;
@@ -272,52 +305,38 @@ void ScribbleArea::mouseMoveEvent(QMouseEvent* event)
 {
     if (!(event->buttons() & Qt::LeftButton))
         return;
-    QRect changed;
     if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
-        changed = drawLineTo(event->pos());
+        drawLineTo(event->pos());
     } else if (m_paintType == PAINT_MOSAIC && m_mosaicking) {
-        changed = drawMosaic(m_lastPoint, event->pos(), m_mosaicPenWidth);
+        drawMosaic(m_lastPoint, event->pos(), m_mosaicPenWidth);
         m_lastPoint = event->pos();
     } else if (m_paintType == PAINT_TEXT || m_paintType == PAINT_GRAPH) {
         dragFrame(event->pos());
-        changed = m_resizableRect->occupiedRect();
     }
-    repaintParent(changed);
+    if (!m_moved)
+        updateParent();
+    m_moved = true;
 }
 
-// The parent paints the picture. What changed is on the screen at once, so that a line keeps up
-// with the pointer. All of the parent is asked for too, which takes the X server longer than a fast
-// pointer leaves between two moves: after the first move it waits until the pointer rests.
-void ScribbleArea::repaintParent(const QRect& changed)
+// The parent paints the picture: what changed at each move, and all of it at the first move and at
+// the release.
+void ScribbleArea::updateParent()
 {
-    if (!parentWidget())
-        return;
-    parentWidget()->repaint(changed.translated(pos()));
-    m_parentIsOwed = m_restTimer.isActive();
-    if (!m_parentIsOwed)
+    if (parentWidget())
         parentWidget()->update();
-    m_restTimer.start(kPointerRestMs, this);
 }
 
-// The canvas has no other timer of its own.
-void ScribbleArea::timerEvent(QTimerEvent* /*event*/)
+void ScribbleArea::updateChanged(const QRect& area)
 {
-    finishRepaintingParent();
-}
-
-void ScribbleArea::finishRepaintingParent()
-{
-    m_restTimer.stop();
-    if (m_parentIsOwed && parentWidget())
-        parentWidget()->update();
-    m_parentIsOwed = false;
+    update(area);
+    if (parentWidget())
+        parentWidget()->update(area.translated(pos()));
 }
 
 void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    finishRepaintingParent();
     if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
         // Intended: m_scribbling stays set.
         drawLineTo(event->pos());
@@ -333,27 +352,27 @@ void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
             startText();
         m_resizableRect->setVisible(true);
     }
+    updateParent();
 }
 
-// A stroke of one point is a dot, which Qt draws as a point but not as a line without length.
-QRect ScribbleArea::drawLineTo(const QPoint& endPoint)
+// A stroke of one point is a dot, which Qt draws as a point but not as a round line without length.
+void ScribbleArea::drawLineTo(const QPoint& endPoint)
 {
-    if (!m_image.isNull() && makeWritable()) {
-        QPainter painter(&m_image);
+    const bool isDot =
+        !m_moved && endPoint == m_lastPoint && m_scribblePen.capStyle() == Qt::RoundCap;
+    drawOn(m_image, [&](QPainter& painter) {
         painter.setPen(m_scribblePen);
-        if (endPoint != m_lastPoint)
-            painter.drawLine(m_lastPoint, endPoint);
-        else if (!m_strokeHasSegment)
+        if (isDot)
             painter.drawPoint(endPoint);
-    }
-    m_strokeHasSegment = true;
+        else
+            painter.drawLine(m_lastPoint, endPoint);
+    });
     m_modified = true;
 
     const QRect area = strokeArea(m_lastPoint, endPoint, m_scribblePen.width());
-    update(area);
+    updateChanged(area);
     m_lastPoint = endPoint;
     m_diffRect |= area;
-    return area;
 }
 
 void ScribbleArea::dragFrame(const QPoint& pos)
@@ -392,10 +411,7 @@ void ScribbleArea::finishResizableRect()
 
 void ScribbleArea::drawGraph()
 {
-    if (!m_image.isNull() && makeWritable()) {
-        QPainter painter(&m_image);
-        renderGraph(painter);
-    }
+    drawOn(m_image, [this](QPainter& painter) { renderGraph(painter); });
     m_modified = true;
     // Intended: the frame grown by half the pen, whatever the shape reaches.
     const int half = currentGraphPen().width() / 2;
@@ -414,13 +430,9 @@ void ScribbleArea::renderGraph(QPainter& painter)
         painter.setRenderHint(QPainter::Antialiasing, true);
         painter.drawEllipse(r);
         break;
-    case GRAPH_ARROW: {
-        ArrowAttribute attribute;
-        attribute.setWidth(currentGraphPen().width());
-        drawArrow(painter, QRect(m_resizableRect->arrowTail(), m_resizableRect->arrowHead()),
-                  attribute);
+    case GRAPH_ARROW:
+        drawArrow(painter, arrowPoints(*m_resizableRect), attributeOf(currentGraphPen()));
         break;
-    }
     default:
         break;
     }
@@ -435,33 +447,45 @@ void ScribbleArea::drawArrow(QPainter& painter, const QRect& rect, const ArrowAt
     painter.setPen(outline);
     painter.setRenderHint(QPainter::Antialiasing, true);
 
-    const QVector2D tail(rect.topLeft());
-    const QVector2D head(rect.bottomRight());
-    const QVector2D d = head - tail;
-    const QVector2D u = d.normalized();
-    const QVector2D n(-u.y(), u.x());
-    const QVector2D b =
-        u * static_cast<float>(static_cast<double>(d.length()) - attribute.headLength);
-
-    // The offsets are rounded before the rounded tail is added to them.
-    const QPoint origin = tail.toPoint();
-    const QVector2D shaftSide = n * static_cast<float>(attribute.lineWidth);
-    const QVector2D headSide = n * static_cast<float>(attribute.headHalfWidth);
-    const QVector2D tip = tail + b + b.normalized() * static_cast<float>(attribute.headLength);
-    const QPoint shaftPoints[] = {origin, (shaftSide + b).toPoint() + origin,
-                                  (-shaftSide + b).toPoint() + origin};
-    const QPoint headPoints[] = {tip.toPoint(), (headSide + b).toPoint() + origin,
-                                 (-headSide + b).toPoint() + origin};
-    painter.drawPolygon(shaftPoints, 3, Qt::WindingFill);
-    painter.drawPolygon(headPoints, 3, Qt::WindingFill);
+    const Arrow arrow(rect, attribute);
+    painter.drawPolygon(arrow.shaft.data(), int(arrow.shaft.size()), Qt::WindingFill);
+    painter.drawPolygon(arrow.head.data(), int(arrow.head.size()), Qt::WindingFill);
     painter.restore();
+}
+
+// The old place has to be cleared and the new one painted.
+void ScribbleArea::updateFrame()
+{
+    updateChanged(m_paintedFrame);
+    updateChanged(frameArea());
+}
+
+// What the frame and the shape in it touch. An arrow's head reaches beyond its frame, and so do the
+// spikes into which Qt joins the corners of a rectangle without width or height.
+QRect ScribbleArea::frameArea() const
+{
+    const QRect frame = m_resizableRect->occupiedRect();
+    if (m_paintType != PAINT_GRAPH)
+        return frame;
+    const QPen pen = currentGraphPen();
+    const bool isArrow = m_graphState == GRAPH_ARROW;
+    const QRect shape = isArrow
+                            ? Arrow(arrowPoints(*m_resizableRect), attributeOf(pen)).boundingRect()
+                            : m_resizableRect->rect();
+    const int width = shape.isEmpty() ? int(2 * pen.miterLimit() * pen.width()) : pen.width();
+    return frame | strokeArea(shape.topLeft(), shape.bottomRight(), width);
 }
 
 void ScribbleArea::onResizableRectChanged(const QRect& /*rect*/)
 {
     if (m_paintType == PAINT_TEXT && m_textEdit)
-        m_textEdit->setGeometry(m_resizableRect->rect().adjusted(kTextInsetPx, kTextInsetPx,
-                                                                 -kTextInsetPx, -kTextInsetPx));
+        placeTextEdit();
+}
+
+void ScribbleArea::placeTextEdit()
+{
+    constexpr int inset = kTextInsetPx;
+    m_textEdit->setGeometry(m_resizableRect->rect().adjusted(inset, inset, -inset, -inset));
 }
 
 void ScribbleArea::initTextEdit()
@@ -476,8 +500,7 @@ void ScribbleArea::initTextEdit()
     // The menu would take the transparent style sheet and be unreadable.
     m_textEdit->setContextMenuPolicy(Qt::NoContextMenu);
     m_textEdit->setStyleSheet(style::kTransparent);
-    m_textEdit->setGeometry(
-        m_resizableRect->rect().adjusted(kTextInsetPx, kTextInsetPx, -kTextInsetPx, -kTextInsetPx));
+    placeTextEdit();
     m_textEdit->hide();
 }
 
@@ -490,7 +513,7 @@ void ScribbleArea::ensureTextEdit()
 void ScribbleArea::startText()
 {
     ensureTextEdit();
-    onResizableRectChanged(m_resizableRect->rect());
+    placeTextEdit();
     m_textEdit->setText(QString());
     m_textEdit->setFocus();
     m_textEdit->show();
@@ -520,22 +543,20 @@ bool ScribbleArea::drawText()
     const QPoint pos = m_textEdit->mapToParent(QPoint(0, 0));
     // Without focus no text cursor is drawn.
     m_textEdit->clearFocus();
-    if (!m_image.isNull() && makeWritable()) {
-        QPainter painter(&m_image);
+    drawOn(m_image, [&](QPainter& painter) {
         m_textEdit->render(&painter, pos, QRegion(),
                            QWidget::DrawWindowBackground | QWidget::DrawChildren);
-    }
+    });
     m_modified = true;
     m_diffRect = m_textEdit->rect();
     m_diffRect.moveTopLeft(pos);
     return true;
 }
 
-QRect ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
+void ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
 {
     const QRect area = strokeArea(from, to, width);
-    if (!m_mosaicTrack.isNull()) {
-        QPainter painter(&m_mosaicTrack);
+    drawOn(m_mosaicTrack, [&](QPainter& painter) {
         QPen pen = painter.pen();
         pen.setColor(QColor(255, 255, 255, 255));
         pen.setWidth(width);
@@ -545,24 +566,19 @@ QRect ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
             painter.drawPoint(from);
         else
             painter.drawLine(from, to);
-        m_mosaicTracked |= area;
-    }
+    });
 
     // Intended: the bounds are the widget's, and the last column and row of the area are left out.
     const QPoint first(qMax(area.left(), 0), qMax(area.top(), 0));
     const QPoint last(qMin(area.right(), this->width()) - 1, qMin(area.bottom(), height()) - 1);
-    if (makeWritable())
-        mosaic::copyWhereWhite(m_image, m_mosaicImage, m_mosaicTrack, QRect(first, last));
-    update(area);
+    mosaic::copyWhereWhite(m_image, m_mosaicImage, m_mosaicTrack, QRect(first, last));
+    updateChanged(area);
     m_diffRect |= area;
-    return area;
 }
 
 void ScribbleArea::updateMosaicImage()
 {
-    // Every pixel is written, so memory of the right size serves again.
-    if (m_mosaicImage.size() != m_image.size())
-        m_mosaicImage = QImage(m_image.size(), QImage::Format_ARGB32);
+    m_mosaicImage = QImage(m_image.size(), QImage::Format_ARGB32);
     mosaic::makeMosaicImage(m_mosaicImage, m_image, m_mosaicBlur);
 }
 
@@ -573,14 +589,8 @@ void ScribbleArea::onupdateMosaicImage()
 
 void ScribbleArea::resetMosaicTrack()
 {
-    if (m_mosaicTrack.size() != m_image.size()) {
-        m_mosaicTrack = transparentImage(m_image.size());
-    } else if (!m_mosaicTrack.isNull()) {
-        QPainter painter(&m_mosaicTrack);
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(m_mosaicTracked, Qt::transparent);
-    }
-    m_mosaicTracked = QRect();
+    m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
+    m_mosaicTrack.fill(QColor(0, 0, 0, 0));
 }
 
 void ScribbleArea::setMosaicBlur(int blur)
@@ -602,19 +612,6 @@ void ScribbleArea::setMosaicCursorRadius(int size)
     setCursor(QCursor(QPixmap::fromImage(circle), -1, -1));
 }
 
-// Drawing on a picture that somebody else holds as well takes a copy of it. Left to Qt, the picture
-// would be lost where there is no memory for one.
-bool ScribbleArea::makeWritable()
-{
-    if (m_image.isNull() || m_image.isDetached())
-        return true;
-    QImage own = m_image.copy();
-    if (own.isNull())
-        return false;
-    m_image.swap(own);
-    return true;
-}
-
 void ScribbleArea::initForDiff(const QPoint& pos)
 {
     m_diffImage = m_image;
@@ -628,25 +625,17 @@ ScribbleArea::DiffRect ScribbleArea::makeDiffRect() const
     entry.position = m_diffRect.topLeft();
     if (!m_diffRect.isEmpty())
         entry.image = m_diffImage.copy(m_diffRect);
-    if (!entry.image.isNull()) {
-        QPainter painter(&entry.image);
+    drawOn(entry.image, [&](QPainter& painter) {
         painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
         painter.drawImage(entry.image.rect(), m_image, m_diffRect);
-    }
+    });
     return entry;
 }
 
 void ScribbleArea::saveDiffRect()
 {
-    const DiffRect entry = makeDiffRect();
-    // An edit that could not be undone would spoil what undoing the earlier ones restores.
-    if (entry.image.isNull() && !m_diffRect.isEmpty() && !m_diffImage.isNull()) {
-        m_image = m_diffImage;
-        update();
-        return;
-    }
     m_diffRectStack.erase(m_diffRectStack.begin() + m_currentDiffIndex, m_diffRectStack.end());
-    m_diffRectStack.append(entry);
+    m_diffRectStack.append(makeDiffRect());
     ++m_currentDiffIndex;
 }
 
@@ -654,11 +643,10 @@ void ScribbleArea::restoreDiffRect()
 {
     Q_ASSERT(m_currentDiffIndex >= 0 && m_currentDiffIndex < m_diffRectStack.size());
     const DiffRect& entry = m_diffRectStack.at(m_currentDiffIndex);
-    if (!entry.image.isNull() && !m_image.isNull()) {
-        QPainter painter(&m_image);
+    drawOn(m_image, [&](QPainter& painter) {
         painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
         painter.drawImage(entry.position, entry.image);
-    }
+    });
     update(m_image.rect());
 }
 
@@ -666,7 +654,7 @@ void ScribbleArea::undo()
 {
     if (m_resizableRect->isVisible())
         finishResizableRect();
-    if (!canUndo() || !makeWritable())
+    if (!canUndo())
         return;
     if (m_textEdit && m_textEdit->isVisible()) {
         m_textEdit->hide();
@@ -678,7 +666,7 @@ void ScribbleArea::undo()
 
 void ScribbleArea::redo()
 {
-    if (!canRedo() || !makeWritable())
+    if (!canRedo())
         return;
     restoreDiffRect();
     ++m_currentDiffIndex;
@@ -692,6 +680,7 @@ void ScribbleArea::clearDiffRect()
 
 void ScribbleArea::paintEvent(QPaintEvent* /*event*/)
 {
+    m_paintedFrame = frameArea();
     QPainter painter(this);
     if (m_paintType == PAINT_GRAPH)
         renderGraph(painter);

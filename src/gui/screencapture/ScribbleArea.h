@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QBasicTimer>
 #include <QColor>
 #include <QImage>
 #include <QList>
@@ -38,9 +37,7 @@ struct ArrowAttribute {
 /// stay editable in their frame until they are committed: by a press outside the frame, a change of
 /// tool, undo(), saveImage() or completeScribble(). Every committed edit can be undone.
 ///
-/// Pictures are 32 bits deep and opaque: undo restores these exactly. Where there is no memory for
-/// another picture, the one there is stays as it is: an edit is not drawn, or taken back when its
-/// history entry cannot be made, and undo() and redo() do nothing. GUI thread only.
+/// Pictures are 32 bits deep and opaque: undo restores these exactly. GUI thread only.
 class ScribbleArea : public QWidget
 {
     Q_OBJECT
@@ -114,7 +111,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void timerEvent(QTimerEvent* event) override;
 
 private slots:
     void onResizableRectChanged(const QRect& rect);
@@ -124,16 +120,17 @@ private:
     /// Tests look at the history through this.
     friend struct ScribbleAreaAccess;
 
-    /// These two return the area whose pixels may have changed.
-    QRect drawLineTo(const QPoint& endPoint);
-    QRect drawMosaic(const QPoint& from, const QPoint& to, int width);
-    void repaintParent(const QRect& changed);
-    void finishRepaintingParent();
+    void drawLineTo(const QPoint& endPoint);
+    void drawMosaic(const QPoint& from, const QPoint& to, int width);
+    void updateParent();
+    void updateChanged(const QRect& area);
     void updateMosaicImage();
     void resetMosaicTrack();
     void setMosaicCursorRadius(int size);
 
     void dragFrame(const QPoint& pos);
+    void updateFrame();
+    QRect frameArea() const;
     void finishResizableRect();
     void renderGraph(QPainter& painter);
     void drawGraph();
@@ -141,10 +138,10 @@ private:
 
     void initTextEdit();
     void ensureTextEdit();
+    void placeTextEdit();
     void startText();
     bool drawText();
 
-    bool makeWritable();
     void initForDiff(const QPoint& pos);
     void saveDiffRect();
     DiffRect makeDiffRect() const;
@@ -156,21 +153,20 @@ private:
     PAINT_TYPE m_paintType = PAINT_SCRIBBLE;
     QPen m_scribblePen;
     bool m_scribbling = false;
-    bool m_strokeHasSegment = false;
     bool m_mosaicking = false;
     int m_mosaicBlur = 2;
     int m_mosaicPenWidth = 16;
     QImage m_mosaicImage;
     QImage m_mosaicTrack;
-    /// Where there may be something on it.
-    QRect m_mosaicTracked;
     QTimer m_mosaicTimer;
-    QBasicTimer m_restTimer;
-    bool m_parentIsOwed = false;
     QPoint m_lastPoint;
+    /// Since the left press.
+    bool m_moved = false;
     bool m_creatingGraph = false;
     bool m_pressOutsideRect = false;
     ResizableRect* m_resizableRect = nullptr;
+    /// frameArea() when it was last painted.
+    QRect m_paintedFrame;
     QTextEdit* m_textEdit = nullptr;
     int m_graphState = GRAPH_ELLIPSE;
     QMap<GRAPH_STATE, QPen> m_graphPens;
