@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
+#include "ScribbleArea.h"
 
 #include <QComboBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QTextEdit>
 #include <QToolTip>
 
 namespace
@@ -58,6 +60,7 @@ private slots:
     void textsAreReadable();
     void toolTipsAreReadable();
     void whatCannotBePressedIsPale();
+    void textIsTypedAsThePaletteShows();
 };
 
 void tst_ScreenCaptureWnd_dark_theme::initTestCase()
@@ -112,6 +115,27 @@ void tst_ScreenCaptureWnd_dark_theme::whatCannotBePressedIsPale()
     const int pale = darkest(redo->grab().toImage());
     redo->setEnabled(true);
     QVERIFY(pale > darkest(redo->grab().toImage()) + 32);
+}
+
+// The theme's own text colour would not be seen on a white page.
+void tst_ScreenCaptureWnd_dark_theme::textIsTypedAsThePaletteShows()
+{
+    CaptureProbe capture;
+    capture.window()->showFullDesktop(true);
+    capture.drag(QPoint(100, 100), QPoint(300, 300));
+    capture.toolBar()->findChildren<QPushButton*>().at(1)->click();
+    auto* canvas = capture.window()->findChild<ScribbleArea*>();
+    QTest::mousePress(canvas, Qt::LeftButton, {}, QPoint(20, 20));
+    QMouseEvent move(QEvent::MouseMove, QPoint(150, 90), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(canvas, &move);
+    QTest::mouseRelease(canvas, Qt::LeftButton, {}, QPoint(150, 90));
+    auto* text = canvas->findChild<QTextEdit*>();
+    QTest::keyClicks(text, "HHH");
+    QImage page(text->size(), QImage::Format_RGB32);
+    page.fill(Qt::white);
+    text->clearFocus();
+    text->render(&page, QPoint(), QRegion(), QWidget::DrawChildren);
+    QVERIFY(darkest(page) < 64);
 }
 
 QTEST_MAIN(tst_ScreenCaptureWnd_dark_theme)

@@ -128,6 +128,7 @@ private slots:
     void colorGoesToPenAndFile_data();
     void colorGoesToPenAndFile();
     void textColorGoesToTheTextOnly();
+    void textHasTheShownColorUntilOneIsChosenForIt();
     void colorWithoutAPenOnlyRewritesTheFile_data();
     void colorWithoutAPenOnlyRewritesTheFile();
     void penColorChangedIsNeverEmitted();
@@ -620,9 +621,8 @@ void tst_ScreenCaptureWnd_tools::canvasStartsWithTheStoredColors()
 {
     annotate(Text);
     QCOMPARE(m_capture->penColors(), kStored);
-    // Nothing else of the pens is touched, nor is the text's colour.
+    // Nothing else of the pens is touched.
     QCOMPARE(m_capture->penWidths(), QList<int>({2, 6, 2, 2, 16}));
-    QVERIFY(!m_capture->canvas()->findChild<QTextEdit*>());
     QCOMPARE(m_capture->shownColor(), QColor(Qt::black));
 }
 
@@ -670,6 +670,25 @@ void tst_ScreenCaptureWnd_tools::textColorGoesToTheTextOnly()
                              "pen_color/rectColor", "pen_color/scribbleColor"}));
 }
 
+void tst_ScreenCaptureWnd_tools::textHasTheShownColorUntilOneIsChosenForIt()
+{
+    const auto textColor = [this] {
+        return m_capture->canvas()->findChild<QTextEdit*>()->textColor().rgb();
+    };
+    annotate(Text);
+    QCOMPARE(textColor(), QColor(Qt::black).rgb());
+    for (const MainItem tool : {Scribble, Ellipse}) {
+        m_capture->choose(tool);
+        m_capture->choose(Text);
+        QCOMPARE(textColor(), m_capture->pen(tool).color().rgb());
+        QCOMPARE(textColor(), m_capture->shownColor().rgb());
+    }
+    m_capture->pickColor(1, 5);
+    m_capture->choose(Scribble);
+    m_capture->choose(Text);
+    QCOMPARE(textColor(), kSkyBlue.rgb());
+}
+
 void tst_ScreenCaptureWnd_tools::colorWithoutAPenOnlyRewritesTheFile_data()
 {
     QTest::addColumn<MainItem>("tool");
@@ -691,7 +710,8 @@ void tst_ScreenCaptureWnd_tools::colorWithoutAPenOnlyRewritesTheFile()
     QCOMPARE(m_capture->penColors(), kStored);
     QCOMPARE(rememberedColors(), kStored);
     QCOMPARE(writtenColors(m_settings->path()), kStored);
-    QVERIFY(!m_capture->canvas()->findChild<QTextEdit*>());
+    const auto* text = m_capture->canvas()->findChild<QTextEdit*>();
+    QVERIFY(!text || text->textColor().rgb() == QColor(Qt::black).rgb());
 }
 
 void tst_ScreenCaptureWnd_tools::penColorChangedIsNeverEmitted()

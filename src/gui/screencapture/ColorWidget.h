@@ -19,6 +19,8 @@ public:
 
     /// Shows `c`, which need not be one of the palette, without a signal.
     void setColor(const QColor& c);
+    /// What the box shows; invalid, and shown as black, before one is set.
+    QColor color() const { return m_currentColor; }
     /// The cell in `row` 0 or 1, `col` 0 to 7.
     QRect cellRect(int row, int col);
 

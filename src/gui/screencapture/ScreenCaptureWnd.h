@@ -137,8 +137,8 @@ private:
     void initToolBars();
     void initSubToolBar();
     QWidget* createToolBar(const QString& name, const QMargins& margins);
-    QPushButton* createToolButton(const QString& icon, const QString& toolTip);
-    QPushButton* createCommandButton(const QString& icon, const QString& toolTip, const char* slot);
+    QPushButton* createToolButton(const QString& name, const QString& toolTip);
+    QPushButton* createCommandButton(const QString& name, const QString& toolTip, const char* slot);
     QPushButton* createDoneButton();
     QLabel* createSeparator();
     QComboBox* createFontSizeBox();
@@ -192,6 +192,7 @@ private:
     int m_state = StateIdle;
     QPoint m_pressPos;
     ScribbleArea* m_scribbleArea = nullptr;
+    bool m_textColorChosen = false;
     QWidget* m_mainToolBar = nullptr;
     QPushButton* m_btnScribble = nullptr;
     QPushButton* m_btnText = nullptr;

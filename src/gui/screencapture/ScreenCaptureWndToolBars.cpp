@@ -51,14 +51,14 @@ QString icon(const QString& name)
     return QStringLiteral(":/scribble/%1.png").arg(name);
 }
 
-// Pale while disabled, as on white, which the bars are: in a dark palette a style makes it dark.
-QIcon paleOnWhite(const QString& name)
+// A style fades a disabled icon into the window colour of the palette, which may be dark. The bars
+// are white.
+QIcon paleWhileDisabled(const QString& name)
 {
-    const QPixmap pixmap(icon(name));
     QStyleOption option;
     option.palette = QPalette(Qt::white);
-    QIcon result(pixmap);
-    result.addPixmap(qApp->style()->generatedIconPixmap(QIcon::Disabled, pixmap, &option),
+    QIcon result(icon(name));
+    result.addPixmap(qApp->style()->generatedIconPixmap(QIcon::Disabled, icon(name), &option),
                      QIcon::Disabled);
     return result;
 }
@@ -75,12 +75,36 @@ QPen withColor(QPen pen, const QColor& color)
     return pen;
 }
 
-// A sheet of the window is nearer than the application's. Where that has none, the widgets keep the
-// look of its style.
+// Style sheets count the border apart from the size.
+QString sizeRule(const QString& selector, const QSize& size, int borderPx = 0,
+                 const QString& borderColor = QStringLiteral("silver"))
+{
+    return QStringLiteral("%1 { border: %2px solid %3; min-width: %4px; min-height: %5px }")
+        .arg(selector)
+        .arg(borderPx)
+        .arg(borderColor)
+        .arg(size.width() - 2 * borderPx)
+        .arg(size.height() - 2 * borderPx);
+}
+
+// An application's style sheet sets margins, frames and sizes for which the bars have no room, and
+// may not tell the chosen tool from the others. A sheet of the window is nearer than that one.
+// Without one the widgets keep the look of the application's style.
 void holdAgainstApplicationStyles(QWidget* window, const QString& textBoxRule = QString())
 {
-    if (!qApp->styleSheet().isEmpty())
-        window->setStyleSheet(style::kBarsAmongApplicationStyles + textBoxRule);
+    if (qApp->styleSheet().isEmpty())
+        return;
+    window->setStyleSheet(
+        "#mainToolBar, #mainToolBar > *, #subToolBar, #subToolBar > *, #mosaicPanel > *,"
+        "#subToolBar QSlider { margin: 0; padding: 0; border: none; font-size: 12px }"
+        "#subToolBar QLabel, #subToolBar QSlider { min-width: 0; min-height: 0 }" +
+        sizeRule("#mainToolBar", QSize(0, kMainBarHeightPx)) +
+        sizeRule("#mainToolBar QPushButton", kButtonSizePx, 1) +
+        sizeRule("#mainToolBar QPushButton:checked", kButtonSizePx, 2, "#00aacc") +
+        sizeRule("#mainToolBar #doneButton", kDoneButtonSizePx, 1) +
+        sizeRule("#mainToolBar QLabel", kSeparatorSizePx) +
+        sizeRule("#subToolBar QComboBox", kFontSizeBoxSizePx, 1) +
+        sizeRule("#mosaicPanel", kMosaicPanelSizePx) + textBoxRule);
 }
 
 } // namespace
@@ -101,7 +125,7 @@ void ScreenCaptureWnd::initToolBars()
     btnUndo->setFixedSize(kButtonSizePx);
     btnUndo->setShortcut(QKeySequence::Undo);
     m_btnRedo = createCommandButton("redo", tr("redo"), SLOT(redo()));
-    m_btnRedo->setIcon(paleOnWhite("redo"));
+    m_btnRedo->setIcon(paleWhileDisabled("redo"));
     m_btnRedo->setEnabled(false);
     m_btnRedo->setShortcut(QKeySequence::Redo);
     // Intended: the redo button keeps the size that the layout gives it.
@@ -130,8 +154,8 @@ void ScreenCaptureWnd::initToolBars()
     holdAgainstApplicationStyles(this);
 }
 
-// What misses a button, or hits a disabled one, must not reach the window beneath: there a double
-// click would finish the capture and a right click drop the region.
+// A press between the buttons, or with another button than the left, must not reach the window
+// beneath: there a double-click finishes the capture and a right click drops the region.
 QWidget* ScreenCaptureWnd::createToolBar(const QString& name, const QMargins& margins)
 {
     auto* bar = new QWidget(this);
@@ -327,6 +351,9 @@ void ScreenCaptureWnd::applyCheckedTool()
     } else if (m_btnText->isChecked()) {
         m_checkedButton = m_btnText;
         m_scribbleArea->setPaintTypeToText();
+        // Until a colour is chosen for text, it has the one that the palette's box shows.
+        if (!m_textColorChosen)
+            m_scribbleArea->setTextColor(m_colorWidget->color());
         showSubToolBarForText();
     } else if (m_btnRect->isChecked()) {
         m_checkedButton = m_btnRect;
@@ -439,6 +466,7 @@ void ScreenCaptureWnd::onPenColorChanged(QColor c)
         colors.scribbleColor = c;
     } else if (m_btnText->isChecked()) {
         canvas.setTextColor(c);
+        m_textColorChosen = true;
         colors.textColor = c;
     } else if (m_btnRect->isChecked()) {
         canvas.setRectPen(withColor(canvas.rectPen(), c));
