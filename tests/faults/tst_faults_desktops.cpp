@@ -2,6 +2,7 @@
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
 #include "Desktop.h"
+#include "Drawings.h"
 #include "RealInput.h"
 #include "ScribbleArea.h"
 
@@ -87,6 +88,7 @@ private slots:
     void regionIsDelivered();
     void annotationsAreUndone();
     void annotationsAreDelivered();
+    void mosaicShowsBlocksOfTheDesktop();
     void windowRaisedAboveDoesNoHarm();
     void managerThatEndsInTheMiddle();
 
@@ -219,6 +221,16 @@ void tst_faults_desktops::annotationsAreDelivered()
     QTRY_COMPARE(m_receiver.count, 1);
     QVERIFY(m_receiver.finished);
     QCOMPARE(m_receiver.image, annotated);
+}
+
+void tst_faults_desktops::mosaicShowsBlocksOfTheDesktop()
+{
+    constexpr int kBlockPx = 2;
+    constexpr QPoint onTheStroke(100, 85);
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    const QImage selected = asShown(m_desktop->picture()).copy(kRegion);
+    QCOMPARE(annotate("Mosaic")->image().pixel(onTheStroke),
+             inBlocks(selected, kBlockPx).pixel(onTheStroke));
 }
 
 // Not every window manager keeps the overlay on top.

@@ -23,20 +23,23 @@ namespace
 {
 
 constexpr QColor kDim(0, 0, 0, 100);
-constexpr int kDepthBits = 32;
 constexpr int kMinRegionSidePx = 3;
 constexpr qreal kGrabWindowBorderPx = 4.0;
 constexpr QSize kGrabWindowInsetPx(4, 4);
 
 const char* const kSelectionColor = "#00aacc";
 
-// The mosaic works on 32 bits, which not every display has.
-QImage in32Bits(const QImage& image)
+// The mosaic works on 8 bits a channel, which not every display has.
+QImage in8BitsAChannel(const QImage& image)
 {
-    if (image.isNull() || image.depth() == kDepthBits)
+    switch (image.format()) {
+    case QImage::Format_RGB32:
+    case QImage::Format_ARGB32:
+    case QImage::Format_ARGB32_Premultiplied:
         return image;
-    const QImage deep = image.convertToFormat(QImage::Format_RGB32);
-    return deep.isNull() ? image : deep;
+    default:
+        return image.convertToFormat(QImage::Format_RGB32);
+    }
 }
 
 } // namespace
@@ -60,7 +63,8 @@ ScreenCaptureWnd::ScreenCaptureWnd()
     // Keys come here, and not to a button of a hidden tool bar, until a visible widget has the
     // focus.
     setFocusPolicy(Qt::TabFocus);
-    // Nobody else deletes the window of a capture in whose middle the application ends.
+    // Nobody else ends a capture in whose middle the application quits, and deletes its window.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &ScreenCaptureWnd::reject);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &QObject::deleteLater);
     init();
 }
@@ -97,18 +101,16 @@ void ScreenCaptureWnd::grabDesktop()
     const QPixmap grabbed =
         screen ? screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height())
                : QPixmap();
-    m_desktopImage = new QImage(in32Bits(grabbed.toImage()));
+    m_desktopImage = new QImage(in8BitsAChannel(grabbed.toImage()));
     dimDesktop();
 }
 
-// Dimmed once, so that painting only copies; where there is no memory for it, painting dims.
+// Dimmed once, so that painting only copies.
 void ScreenCaptureWnd::dimDesktop()
 {
     if (m_desktopImage->isNull())
         return;
     m_dimmedImage = m_desktopImage->copy();
-    if (m_dimmedImage.isNull())
-        return;
     QPainter(&m_dimmedImage).fillRect(m_dimmedImage.rect(), kDim);
 }
 
@@ -167,9 +169,7 @@ QImage ScreenCaptureWnd::scribbledImage() const
     m_scribbleArea->completeScribble();
     // What that committed leaves nothing to redo.
     updateRedoButton();
-    const QImage annotated = m_scribbleArea->image();
-    // There was no memory for the canvas's picture when the tool was chosen; now there may be.
-    return annotated.isNull() ? captureImage() : annotated;
+    return m_scribbleArea->image();
 }
 
 void ScreenCaptureWnd::reset()
@@ -221,16 +221,20 @@ void ScreenCaptureWnd::redo()
     updateRedoButton();
 }
 
+// The host may end the capture while the dialog is open. The dialog is this window's child and
+// stands on the stack, so the window does not delete itself before it has returned.
 void ScreenCaptureWnd::save()
 {
     if (m_ended || findChild<QFileDialog*>())
         return;
     const QPointer<ScreenCaptureWnd> alive(this);
+    const bool deletesItself = testAttribute(Qt::WA_DeleteOnClose);
+    setAttribute(Qt::WA_DeleteOnClose, false);
     const QString name = askForFileName();
     if (!alive)
         return;
-    setAttribute(Qt::WA_DeleteOnClose);
-    if (m_ended)
+    setAttribute(Qt::WA_DeleteOnClose, deletesItself);
+    if (m_ended && deletesItself)
         deleteLater();
     if (m_ended || name.isEmpty())
         return;
@@ -238,11 +242,8 @@ void ScreenCaptureWnd::save()
     reset();
 }
 
-// The host may end the capture while the dialog is open. The dialog is this window's child and
-// stands on the stack, so the window does not delete itself before it has returned.
 QString ScreenCaptureWnd::askForFileName()
 {
-    setAttribute(Qt::WA_DeleteOnClose, false);
     const QString suggested = QDir::currentPath() + QStringLiteral("/untitled");
     QString selected = tr("PNG (*.png)");
     return QFileDialog::getSaveFileName(this, tr("Save As"), suggested,
@@ -275,6 +276,13 @@ void ScreenCaptureWnd::reject()
         deliver(QImage(), false);
 }
 
+// A host that keeps the window and shows it again takes another capture with it.
+void ScreenCaptureWnd::showEvent(QShowEvent* event)
+{
+    m_ended = false;
+    QDialog::showEvent(event);
+}
+
 // The dialog ends only what is visible, but who hides the window first waits for its result too.
 void ScreenCaptureWnd::closeEvent(QCloseEvent* event)
 {
@@ -284,24 +292,13 @@ void ScreenCaptureWnd::closeEvent(QCloseEvent* event)
         reject();
 }
 
-// A host that connects directly may delete the window in its slot, or throw from it: nobody could
-// close an overlay that stayed open then.
+// A host that connects directly may delete the window in its slot.
 void ScreenCaptureWnd::deliver(const QImage& image, bool finished)
 {
     const QPointer<ScreenCaptureWnd> alive(this);
-    try {
-        emit captureFinished(image, finished);
-    } catch (...) {
-        if (alive)
-            leave(finished);
-        throw;
-    }
-    if (alive)
-        leave(finished);
-}
-
-void ScreenCaptureWnd::leave(bool finished)
-{
+    emit captureFinished(image, finished);
+    if (!alive)
+        return;
     if (finished)
         QDialog::accept();
     else
@@ -312,20 +309,22 @@ bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
 {
     Q_ASSERT(event != NULL);
     const QPointer<ScreenCaptureWnd> alive(this);
-    if (watched == m_scribbleArea)
-        watchCanvas(event->type());
+    if (watched == m_scribbleArea) {
+        if (event->type() == QEvent::MouseButtonDblClick)
+            accept();
+        else if (event->type() == QEvent::MouseButtonPress ||
+                 event->type() == QEvent::MouseButtonRelease)
+            updateRedoButtonLater();
+    }
     // Where the host deleted the window, the canvas is gone too.
     return alive ? QDialog::eventFilter(watched, event) : true;
 }
 
-// What can be redone is known when the canvas has handled the event.
-void ScreenCaptureWnd::watchCanvas(QEvent::Type type)
+// The canvas knows what can be redone when it has handled the event.
+void ScreenCaptureWnd::updateRedoButtonLater()
 {
-    if (type == QEvent::MouseButtonDblClick)
-        accept();
-    else if (type == QEvent::MouseButtonPress || type == QEvent::MouseButtonRelease)
-        QMetaObject::invokeMethod(
-            this, [this] { updateRedoButton(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this] { updateRedoButton(); }, Qt::QueuedConnection);
 }
 
 void ScreenCaptureWnd::mousePressEvent(QMouseEvent* event)

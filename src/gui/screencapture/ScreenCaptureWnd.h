@@ -5,7 +5,6 @@
 
 #include <QColor>
 #include <QDialog>
-#include <QEvent>
 #include <QImage>
 #include <QPoint>
 #include <QPointer>
@@ -118,6 +117,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     /// \endcond
 
@@ -145,11 +145,9 @@ private:
     QWidget* createMosaicPanel();
     void initScribbleArea();
 
-    void watchCanvas(QEvent::Type type);
     QString askForFileName();
     bool beginEnd();
     void deliver(const QImage& image, bool finished);
-    void leave(bool finished);
     void putCanvasAway();
     void updateMagnifier(const QPoint& pos);
     void updateMagnifierAtCursor();
@@ -162,6 +160,7 @@ private:
     void applyCheckedTool();
     void uncheckTools();
     void updateRedoButton() const;
+    void updateRedoButtonLater();
     void chooseGraph(int state, const QPen& pen);
     void showPenSettings(const QPen& pen);
     void showSubToolBarForPen();
