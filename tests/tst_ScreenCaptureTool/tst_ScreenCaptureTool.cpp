@@ -2,126 +2,78 @@
 #include "BehaviourTest.h"
 #include "Files.h"
 #include "ScreenCaptureTool.h"
+#include "StdText.h"
 
 #include <QCoreApplication>
-#include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
-#include <QLockFile>
+#include <QDir>
 #include <QProcess>
-#include <QSettings>
-#include <QTemporaryDir>
+#include <QScopedPointer>
 #include <QtTest>
 
-#include <csignal>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
 #include <type_traits>
-#include <utility>
 
-// The facade's state belongs to the process. Each test therefore runs this program again as a
-// client, with a script of words:
-//   init DIRECTORY   text COLOR   set COLOR (all four)   pen NAME COLOR (one of them, as read)
-//   repeat TIMES COLOR COLOR (sets both in turn)         print (all five)
+/// Scribble, rectangle, ellipse and arrow, as 0xAARRGGBB.
+using Colors = QList<uint>;
+Q_DECLARE_METATYPE(Colors)
+
 namespace
 {
 
 const char* const kClient = "--client";
-constexpr int kClientTimeoutMs = 120000;
-/// Younger than this, a lock without a name in it may still get one.
-constexpr int kLockSigningMs = 1000;
-constexpr uint kRed = 4294654008U;
-constexpr uint kBlue = 4278190335U;
-constexpr uint kGreen = 4278255360U;
+constexpr uint kDefault = 0xfffb3838;
+constexpr uint kBlue = 0xff0000ff;
+constexpr uint kGreen = 0xff00ff00;
+/// What memory holds when a test begins.
+const Colors kBefore{1, 2, 3, 4};
+const Colors kAllBlue{kBlue, kBlue, kBlue, kBlue};
+/// A file with kAllBlue; Qt sorts entries by name.
+const std::string kBlueFile = "[pen_color]\n"
+                              "arrowColor=4278190335\n"
+                              "ellipseColor=4278190335\n"
+                              "rectColor=4278190335\n"
+                              "scribbleColor=4278190335\n";
 
-QByteArray numbers(const ScreenCaptureToolColors& colors)
+Colors colorsNow()
 {
-    QByteArrayList list;
-    for (const QColor& color : {colors.scribbleColor, colors.rectColor, colors.ellipseColor,
-                                colors.arrowColor, colors.textColor})
-        list << (color.isValid() ? QByteArray::number(color.rgba()) : QByteArray("invalid"));
-    return list.join(' ') + '\n';
+    ScreenCaptureToolColors colors;
+    ScreenCaptureTool::penColor(colors);
+    return {colors.scribbleColor.rgba(), colors.rectColor.rgba(), colors.ellipseColor.rgba(),
+            colors.arrowColor.rgba()};
 }
 
-QByteArray allFour(uint color, const QByteArray& text = "invalid")
+void setColors(const Colors& colors, const QColor& text = QColor())
 {
-    const QByteArray c = QByteArray::number(color) + ' ';
-    return c + c + c + c + text + '\n';
+    ScreenCaptureTool::setPenColor({QColor::fromRgba(colors.at(0)), QColor::fromRgba(colors.at(1)),
+                                    QColor::fromRgba(colors.at(2)), QColor::fromRgba(colors.at(3)),
+                                    text});
 }
 
-/// Qt sorts the names of new entries.
-QByteArray fileWith(uint color)
+void initIn(const std::string& directory)
 {
-    const QByteArray c = QByteArray::number(color) + '\n';
-    return "[pen_color]\narrowColor=" + c + "ellipseColor=" + c + "rectColor=" + c +
-           "scribbleColor=" + c;
+    ScreenCaptureTool::init(QString::fromStdString(directory));
 }
 
-class Client
+void print(const Colors& colors)
 {
-public:
-    explicit Client(QStringList words)
-        : m_words(std::move(words))
-    {
-    }
-    int run()
-    {
-        while (!m_words.isEmpty())
-            runCommand(m_words.takeFirst());
-        return 0;
-    }
+    std::printf("%x %x %x %x\n", colors.at(0), colors.at(1), colors.at(2), colors.at(3));
+}
 
-private:
-    QColor takeColor() { return QColor::fromRgba(m_words.takeFirst().toUInt()); }
-
-    void runCommand(const QString& command)
-    {
-        if (command == "init")
-            ScreenCaptureTool::init(m_words.takeFirst());
-        else if (command == "text")
-            m_colors.textColor = takeColor();
-        else if (command == "set")
-            set(takeColor());
-        else if (command == "pen")
-            setOne(m_words.takeFirst());
-        else if (command == "repeat")
-            repeat(m_words.takeFirst().toInt());
-        else if (command == "print")
-            print();
-        else
-            qFatal("no such command");
+/// What this program does as a process of its own: with a directory it prints the colours of that
+/// one's file, without any the colours before and after they are set to blue.
+int runClient(const QStringList& directory)
+{
+    if (!directory.isEmpty())
+        ScreenCaptureTool::init(directory.first());
+    print(colorsNow());
+    if (directory.isEmpty()) {
+        setColors(kAllBlue);
+        print(colorsNow());
     }
-    void set(const QColor& color)
-    {
-        m_colors.scribbleColor = m_colors.rectColor = color;
-        m_colors.ellipseColor = m_colors.arrowColor = color;
-        ScreenCaptureTool::setPenColor(m_colors);
-    }
-    void setOne(const QString& name)
-    {
-        ScreenCaptureTool::penColor(m_colors);
-        QColor& field = name == "scribble"  ? m_colors.scribbleColor
-                        : name == "rect"    ? m_colors.rectColor
-                        : name == "ellipse" ? m_colors.ellipseColor
-                                            : m_colors.arrowColor;
-        field = takeColor();
-        ScreenCaptureTool::setPenColor(m_colors);
-    }
-    void repeat(int times)
-    {
-        const QColor one = takeColor();
-        const QColor other = takeColor();
-        for (int i = 0; i < times; ++i)
-            set(i % 2 == 0 ? one : other);
-    }
-    void print()
-    {
-        ScreenCaptureTool::penColor(m_colors);
-        std::fputs(numbers(m_colors).constData(), stdout);
-        std::fflush(stdout);
-    }
-
-    QStringList m_words;
-    ScreenCaptureToolColors m_colors;
-};
+    return 0;
+}
 
 } // namespace
 
@@ -137,86 +89,47 @@ private slots:
     void helperHoldsTheDefaults();
     void helperIsAnObjectOnlyForItself();
 
-    void penColorWithoutAFileIsTheDefault();
-    void penColorLeavesTheTextColor();
-    void fileIsReadByGroupAndKey_data();
-    void fileIsReadByGroupAndKey();
-    void valueIsRead_data();
-    void valueIsRead();
-    void missingKeysKeepWhatWasThere();
-    void textColorOfTheFileIsNeitherGivenNorWritten();
-    void penColorReadsMemoryOnly();
-    void initReadsTheFileAnew();
-    void initOfAnotherDirectoryWritesThere();
-    void directoryIsNamedInUtf8();
-    void directoryMayEndInASlash();
+    void withoutInitColorsLiveInMemory();
+    void nextProcessReadsTheFile();
+    void fileIsIn_data();
+    void fileIsIn();
 
-    void fileHasExactlyTheFourKeys();
-    void eachPenIsWrittenUnderItsKey_data();
-    void eachPenIsWrittenUnderItsKey();
-    void transparencyIsKept();
+    void fileIsRead_data();
+    void fileIsRead();
+    void missingFileChangesNothing();
+    void missingKeysKeepTheColorsOfAnEarlierInit();
+    void colorsAreHandedOutFromMemory();
+    void textColorIsNotHandedOut();
+
+    void fourColorsAreWritten();
     void invalidColorsAreWrittenAsBlack();
-    void foreignEntriesSurvive();
-    void textColorStaysInTheProcess();
-    void colorsAreReadInTheNextProcess();
-    void colorsAreWrittenAtOnce();
-    void withoutInitNothingIsWritten();
+    void otherEntriesStay_data();
+    void otherEntriesStay();
+    void entriesOfOtherWritersStay();
+    void colorsAreWrittenToTheLastDirectory();
 
-    void uselessFileLeavesTheColors_data();
-    void uselessFileLeavesTheColors();
-    void uselessFileIsReplaced_data();
-    void uselessFileIsReplaced();
-    void fileWithASerialisedObjectIsLeftAlone_data();
-    void fileWithASerialisedObjectIsLeftAlone();
-    void escapesThatGiveNoObjectAreRead();
-    void directoryInTheFilesPlaceStays();
-    void unwritablePlaceKeepsTheColorsInMemory_data();
-    void unwritablePlaceKeepsTheColorsInMemory();
-
-    void unwritableFileKeepsTheColorsInMemory();
+    void damagedFileKeepsTheColors_data();
+    void damagedFileKeepsTheColors();
     void missingDirectoryIsNotMade();
-
-    void processesWriteInTurn();
-    void processesWriteAtTheSameTime();
-    void killedWriterLeavesAFileThatLoads();
-    void emptyLockOfAKilledWriterIsRemoved();
-    void lockOfALiveWriterIsWaitedFor();
+    void directoryInTheFilesPlaceStays();
+    void directoryBelowAPlainFile();
 
 private:
-    QString directory() const { return m_scratch->filePath("settings"); }
-    QString file() const { return directory() + "/screencapture.ini"; }
-    QString elsewhere() const { return m_scratch->filePath("elsewhere"); }
-    QByteArray contents() const
-    {
-        return QByteArray::fromStdString(readFile(file().toStdString()));
-    }
-    void write(const QByteArray& text) const
-    {
-        writeFile(file().toStdString(), text.toStdString());
-    }
-    bool unsignedLockIsYoung() const
-    {
-        const QFileInfo lock(file() + ".lock");
-        return lock.exists() && lock.size() == 0 &&
-               lock.lastModified().msecsTo(QDateTime::currentDateTime()) <= kLockSigningMs;
-    }
-    void start(QProcess& process, const QStringList& words) const;
-    QByteArray run(const QStringList& words) const;
-    QByteArray runHere(const QStringList& words) const
-    {
-        return run(QStringList{"init", directory()} + words);
-    }
-    static void uselessFiles();
+    std::string directory() const { return m_scratch->path("settings"); }
+    std::string file() const { return directory() + "/screencapture.ini"; }
+    std::string runInAnEmptyDirectory(const QStringList& arguments) const;
 
-    QScopedPointer<QTemporaryDir> m_scratch;
+    QScopedPointer<Scratch> m_scratch;
 };
 
 void tst_ScreenCaptureTool::init()
 {
     BehaviourTest::init();
-    m_scratch.reset(new QTemporaryDir);
-    QVERIFY(QDir().mkdir(directory()));
-    QVERIFY(QDir().mkdir(elsewhere()));
+    m_scratch.reset(new Scratch);
+    for (const char* name : {"settings", "before", "empty"})
+        std::filesystem::create_directory(m_scratch->path(name));
+    initIn(m_scratch->path("before"));
+    setColors(kBefore);
 }
 
 void tst_ScreenCaptureTool::cleanup()
@@ -225,32 +138,30 @@ void tst_ScreenCaptureTool::cleanup()
     BehaviourTest::cleanup();
 }
 
-/// Starts a client that has neither a home nor a working directory in common with anything.
-void tst_ScreenCaptureTool::start(QProcess& process, const QStringList& words) const
+/// What this program prints as a client, to its error output as well.
+std::string tst_ScreenCaptureTool::runInAnEmptyDirectory(const QStringList& arguments) const
 {
+    const QString empty = QString::fromStdString(m_scratch->path("empty"));
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("HOME", elsewhere());
-    environment.insert("XDG_CONFIG_HOME", elsewhere());
-    process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(elsewhere());
-    process.start(QCoreApplication::applicationFilePath(), QStringList(kClient) + words);
-}
-
-/// What a client prints. It never says anything on its error output.
-QByteArray tst_ScreenCaptureTool::run(const QStringList& words) const
-{
-    QProcess process;
-    start(process, words);
-    if (!process.waitForFinished(kClientTimeoutMs) || process.exitCode() != 0)
-        return "failed: " + process.readAllStandardError();
-    const QByteArray errors = process.readAllStandardError();
-    return errors.isEmpty() ? process.readAllStandardOutput() : "said: " + errors;
+    environment.insert("HOME", empty);
+    environment.insert("XDG_CONFIG_HOME", empty);
+    QProcess client;
+    client.setProcessEnvironment(environment);
+    client.setProcessChannelMode(QProcess::MergedChannels);
+    client.setWorkingDirectory(empty);
+    client.start(QCoreApplication::applicationFilePath(), QStringList(kClient) + arguments);
+    client.waitForFinished(kPatienceMs);
+    return client.readAll().toStdString();
 }
 
 void tst_ScreenCaptureTool::recordIsInvalidAtFirst()
 {
     const ScreenCaptureToolColors colors;
-    QCOMPARE(numbers(colors), QByteArray("invalid invalid invalid invalid invalid\n"));
+    QVERIFY(!colors.scribbleColor.isValid());
+    QVERIFY(!colors.rectColor.isValid());
+    QVERIFY(!colors.ellipseColor.isValid());
+    QVERIFY(!colors.arrowColor.isValid());
+    QVERIFY(!colors.textColor.isValid());
     QCOMPARE(sizeof(ScreenCaptureToolColors), 5 * sizeof(QColor));
     QVERIFY(&colors.scribbleColor < &colors.rectColor);
     QVERIFY(&colors.rectColor < &colors.ellipseColor);
@@ -277,474 +188,275 @@ void tst_ScreenCaptureTool::helperIsAnObjectOnlyForItself()
     QVERIFY((!std::is_convertible<ScreenCaptureToolHelper*, QObject*>::value));
 }
 
-void tst_ScreenCaptureTool::penColorWithoutAFileIsTheDefault()
+// A file that is made and removed again, such as a lock, shows in the directory's time.
+void tst_ScreenCaptureTool::withoutInitColorsLiveInMemory()
 {
-    QCOMPARE(run({"print"}), allFour(kRed));
-    QCOMPARE(runHere({"print"}), allFour(kRed));
-    QVERIFY(QDir(directory()).isEmpty());
-    QCOMPARE(QColor::fromRgba(kRed), QColor(251, 56, 56, 255));
+    const std::filesystem::path empty = m_scratch->path("empty");
+    const auto longAgo = std::filesystem::last_write_time(empty) - std::chrono::hours(1);
+    std::filesystem::last_write_time(empty, longAgo);
+    QCOMPARE(runInAnEmptyDirectory({}), std::string("fffb3838 fffb3838 fffb3838 fffb3838\n"
+                                                    "ff0000ff ff0000ff ff0000ff ff0000ff\n"));
+    QVERIFY(std::filesystem::is_empty(empty));
+    QVERIFY(std::filesystem::last_write_time(empty) == longAgo);
 }
 
-void tst_ScreenCaptureTool::penColorLeavesTheTextColor()
+void tst_ScreenCaptureTool::nextProcessReadsTheFile()
 {
-    write("[pen_color]\ntextColor=4278255360\n");
-    QCOMPARE(run({"text", "4278190335", "print", "init", directory(), "print"}),
-             allFour(kRed, "4278190335") + allFour(kRed, "4278190335"));
+    const QString settings = QString::fromStdString(directory());
+    QCOMPARE(runInAnEmptyDirectory({settings}),
+             std::string("fffb3838 fffb3838 fffb3838 fffb3838\n"));
+    initIn(directory());
+    setColors({kBlue, kDefault, kDefault, 0x12345678});
+    QCOMPARE(runInAnEmptyDirectory({settings}),
+             std::string("ff0000ff fffb3838 fffb3838 12345678\n"));
 }
 
-void tst_ScreenCaptureTool::fileIsReadByGroupAndKey_data()
+void tst_ScreenCaptureTool::fileIsIn_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("printed");
-    const QByteArray defaults = allFour(kRed);
-    QTest::newRow("scribbleColor") << QByteArray("[pen_color]\nscribbleColor=4278190335\n")
-                                   << QByteArray("4278190335 4294654008 4294654008 4294654008 "
-                                                 "invalid\n");
-    QTest::newRow("rectColor") << QByteArray("[pen_color]\nrectColor=4278190335\n")
-                               << QByteArray("4294654008 4278190335 4294654008 4294654008 "
-                                             "invalid\n");
-    QTest::newRow("ellipseColor") << QByteArray("[pen_color]\nellipseColor=4278190335\n")
-                                  << QByteArray("4294654008 4294654008 4278190335 4294654008 "
-                                                "invalid\n");
-    QTest::newRow("arrowColor") << QByteArray("[pen_color]\narrowColor=4278190335\n")
-                                << QByteArray("4294654008 4294654008 4294654008 4278190335 "
-                                              "invalid\n");
-    QTest::newRow("another group") << QByteArray("[pens]\nrectColor=4278190335\n") << defaults;
-    QTest::newRow("no group") << QByteArray("rectColor=4278190335\n") << defaults;
-    QTest::newRow("a group within")
-        << QByteArray("[pen_color]\nmore\\rectColor=4278190335\n") << defaults;
-    QTest::newRow("another case") << QByteArray("[pen_color]\nrectcolor=4278190335\n") << defaults;
-    QTest::newRow("unknown key") << QByteArray("[pen_color]\npenColor=4278190335\n") << defaults;
-    QTest::newRow("textColor") << QByteArray("[pen_color]\ntextColor=4278190335\n") << defaults;
+    QTest::addColumn<std::string>("named");
+    QTest::addColumn<std::string>("directory");
+    QTest::newRow("relative") << std::string("settings") << std::string("settings");
+    QTest::newRow("working directory") << std::string(".") << std::string(".");
+    QTest::newRow("below") << std::string("settings/more") << std::string("settings/more");
+    QTest::newRow("slash at the end") << std::string("settings/") << std::string("settings");
+    QTest::newRow("needless components")
+        << std::string("settings//./more/.") << std::string("settings/more");
+    QTest::newRow("parent") << std::string("settings/..") << std::string(".");
+    QTest::newRow("backslashes separate")
+        << std::string("settings\\more\\") << std::string("settings/more");
+    QTest::newRow("beyond ASCII") << std::string("截图 ü") << std::string("截图 ü");
+    QTest::newRow("characters of the format") << std::string("a=[%41];") << std::string("a=[%41];");
 }
 
-void tst_ScreenCaptureTool::fileIsReadByGroupAndKey()
+void tst_ScreenCaptureTool::fileIsIn()
 {
-    QFETCH(QByteArray, text);
-    QFETCH(QByteArray, printed);
-    write(text);
-    QCOMPARE(runHere({"print"}), printed);
-    QCOMPARE(contents(), text);
+    QFETCH(std::string, named);
+    QFETCH(std::string, directory);
+    const WorkingDirectoryScope scope(m_scratch->path());
+    std::filesystem::create_directories(m_scratch->path(directory));
+    const std::string written = m_scratch->path(directory + "/screencapture.ini");
+
+    initIn(named);
+    setColors(kAllBlue);
+    QCOMPARE(readFile(written), kBlueFile);
+    writeFile(written, "[pen_color]\nrectColor=7\n");
+    initIn(named);
+    QCOMPARE(colorsNow(), Colors({kBlue, 7, kBlue, kBlue}));
+
+    std::filesystem::remove(written);
+    initIn(m_scratch->path(named));
+    setColors(kAllBlue);
+    QCOMPARE(readFile(written), kBlueFile);
 }
 
-void tst_ScreenCaptureTool::valueIsRead_data()
+void tst_ScreenCaptureTool::fileIsRead_data()
 {
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<uint>("color");
-    QTest::newRow("opaque blue") << QByteArray("4278190335") << kBlue;
-    QTest::newRow("each byte in its place") << QByteArray("305419896") << 0x12345678U;
-    QTest::newRow("all bits") << QByteArray("4294967295") << 0xffffffffU;
-    QTest::newRow("zero") << QByteArray("0") << 0U;
-    QTest::newRow("quoted") << QByteArray("\"4278190335\"") << kBlue;
-    QTest::newRow("empty") << QByteArray("") << 0U;
-    QTest::newRow("a word") << QByteArray("blue") << 0U;
-    QTest::newRow("a colour's name") << QByteArray("#ff0000ff") << 0U;
-    QTest::newRow("hexadecimal") << QByteArray("0xff0000ff") << 0U;
-    QTest::newRow("negative") << QByteArray("-1") << 0U;
-    QTest::newRow("beyond 32 bits") << QByteArray("4294967296") << 0U;
-    QTest::newRow("a list") << QByteArray("1, 2") << 0U;
+    QTest::addColumn<std::string>("text");
+    QTest::addColumn<Colors>("colors");
+    const auto group = [](const char* name, const char* lines, const Colors& colors) {
+        QTest::newRow(name) << std::string("[pen_color]\n") + lines << colors;
+    };
+    group("scribbleColor", "scribbleColor=4278190335\n", {kBlue, 2, 3, 4});
+    group("rectColor", "rectColor=4278190335\n", {1, kBlue, 3, 4});
+    group("ellipseColor", "ellipseColor=4278190335\n", {1, 2, kBlue, 4});
+    group("arrowColor", "arrowColor=4278190335\n", {1, 2, 3, kBlue});
+    group("textColor", "textColor=4278190335\n", kBefore);
+    group("unknown key", "penColor=4278190335\nrectColor=7\n", {1, 7, 3, 4});
+    group("another case", "rectcolor=4278190335\n", kBefore);
+    group("group within", "more\\rectColor=4278190335\n", kBefore);
+    QTest::newRow("another group") << std::string("[pens]\nrectColor=7\n") << kBefore;
+    QTest::newRow("no group") << std::string("rectColor=7\n") << kBefore;
+
+    group("each byte in its place", "rectColor=305419896\n", {1, 0x12345678, 3, 4});
+    group("all bits", "rectColor=4294967295\n", {1, 0xffffffff, 3, 4});
+    group("quoted", "rectColor=\"4278190335\"\n", {1, kBlue, 3, 4});
+    group("zero", "rectColor=0\n", {1, 0, 3, 4});
+    group("empty", "rectColor=\n", {1, 0, 3, 4});
+    group("word", "rectColor=blue\n", {1, 0, 3, 4});
+    group("color name", "rectColor=#ff0000ff\n", {1, 0, 3, 4});
+    group("hexadecimal", "rectColor=0xff0000ff\n", {1, 0, 3, 4});
+    group("negative", "rectColor=-1\n", {1, 0, 3, 4});
+    group("beyond 32 bits", "rectColor=4294967296\n", {1, 0, 3, 4});
+    group("list", "rectColor=1, 2\n", {1, 0, 3, 4});
+    group("point", "rectColor=@Point(1 2)\n", {1, 0, 3, 4});
+    group("beside a serialised date", "rectColor=7\nx=@Variant(\\0\\0\\0\\xe\\0%\\x84\\xe2)\n",
+          {1, 7, 3, 4});
 }
 
-void tst_ScreenCaptureTool::valueIsRead()
+void tst_ScreenCaptureTool::fileIsRead()
 {
-    QFETCH(QByteArray, value);
-    QFETCH(uint, color);
-    write("[pen_color]\nellipseColor=" + value + "\n");
-    const QByteArray red = QByteArray::number(kRed) + ' ';
-    QCOMPARE(runHere({"print"}), red + red + QByteArray::number(color) + ' ' + red + "invalid\n");
+    QFETCH(std::string, text);
+    QFETCH(Colors, colors);
+    writeFile(file(), text);
+    initIn(directory());
+    QCOMPARE(colorsNow(), colors);
+    QCOMPARE(readFile(file()), text);
 }
 
-void tst_ScreenCaptureTool::missingKeysKeepWhatWasThere()
+void tst_ScreenCaptureTool::missingFileChangesNothing()
 {
-    QCOMPARE(run({"set", "4278190335", "init", directory(), "print"}), allFour(kBlue, "invalid"));
-    write("[pen_color]\nrectColor=4278255360\n");
-    QCOMPARE(run({"set", "4278190335", "init", directory(), "print"}),
-             QByteArray("4278190335 4278255360 4278190335 4278190335 invalid\n"));
+    initIn(directory());
+    QCOMPARE(colorsNow(), kBefore);
+    QVERIFY(std::filesystem::is_empty(directory()));
 }
 
-void tst_ScreenCaptureTool::textColorOfTheFileIsNeitherGivenNorWritten()
+void tst_ScreenCaptureTool::missingKeysKeepTheColorsOfAnEarlierInit()
 {
-    write("[pen_color]\ntextColor=4278255360\n");
-    QCOMPARE(runHere({"text", "4278190335", "set", "4278190335", "print"}),
-             allFour(kBlue, "4278190335"));
-    QCOMPARE(QSettings(file(), QSettings::IniFormat).value("pen_color/textColor").toUInt(), kGreen);
+    writeFile(m_scratch->path("empty/screencapture.ini"), kBlueFile);
+    writeFile(file(), "[pen_color]\nrectColor=4278255360\n");
+    initIn(m_scratch->path("empty"));
+    QCOMPARE(colorsNow(), kAllBlue);
+    initIn(directory());
+    QCOMPARE(colorsNow(), Colors({kBlue, kGreen, kBlue, kBlue}));
 }
 
-void tst_ScreenCaptureTool::penColorReadsMemoryOnly()
+void tst_ScreenCaptureTool::colorsAreHandedOutFromMemory()
 {
-    QCOMPARE(runHere({"set", "4278190335"}), QByteArray());
+    writeFile(file(), kBlueFile);
+    initIn(directory());
+    writeFile(file(), "[pen_color]\nrectColor=7\n");
+    QCOMPARE(colorsNow(), kAllBlue);
+    initIn(directory());
+    QCOMPARE(colorsNow(), Colors({kBlue, 7, kBlue, kBlue}));
+}
+
+void tst_ScreenCaptureTool::textColorIsNotHandedOut()
+{
+    writeFile(file(), "[pen_color]\ntextColor=4278255360\n");
+    initIn(directory());
+    setColors(kBefore, Qt::yellow);
     ScreenCaptureToolColors colors;
-    ScreenCaptureTool::init(directory());
-    QVERIFY(QFile::remove(file()));
     ScreenCaptureTool::penColor(colors);
-    QCOMPARE(numbers(colors), allFour(kBlue));
-    write(fileWith(kGreen));
+    QVERIFY(!colors.textColor.isValid());
+    colors.textColor = Qt::cyan;
     ScreenCaptureTool::penColor(colors);
-    QCOMPARE(numbers(colors), allFour(kBlue));
-    ScreenCaptureTool::init(directory());
-    ScreenCaptureTool::penColor(colors);
-    QCOMPARE(numbers(colors), allFour(kGreen));
+    QCOMPARE(colors.textColor, QColor(Qt::cyan));
 }
 
-void tst_ScreenCaptureTool::initReadsTheFileAnew()
+void tst_ScreenCaptureTool::fourColorsAreWritten()
 {
-    write(fileWith(kBlue));
-    QVERIFY(QDir().mkdir(m_scratch->filePath("other")));
-    writeFile(m_scratch->filePath("other/screencapture.ini").toStdString(),
-              fileWith(kGreen).toStdString());
-    QCOMPARE(runHere({"print", "init", m_scratch->filePath("other"), "print", "init", directory(),
-                      "print", "init", directory(), "print"}),
-             allFour(kBlue) + allFour(kGreen) + allFour(kBlue) + allFour(kBlue));
-}
-
-void tst_ScreenCaptureTool::initOfAnotherDirectoryWritesThere()
-{
-    QVERIFY(QDir().mkdir(m_scratch->filePath("other")));
-    QCOMPARE(runHere({"init", m_scratch->filePath("other"), "set", "4278190335"}), QByteArray());
-    QVERIFY(QDir(directory()).isEmpty());
-    QCOMPARE(readFile(m_scratch->filePath("other/screencapture.ini").toStdString()),
-             fileWith(kBlue).toStdString());
-}
-
-void tst_ScreenCaptureTool::directoryIsNamedInUtf8()
-{
-    const QString name = m_scratch->filePath(QString::fromUtf8("截图 ü"));
-    QVERIFY(QDir().mkdir(name));
-    QCOMPARE(run({"init", name, "set", "4278190335"}), QByteArray());
-    QVERIFY(QFileInfo::exists(name + "/screencapture.ini"));
-    QCOMPARE(run({"init", name, "print"}), allFour(kBlue));
-}
-
-void tst_ScreenCaptureTool::directoryMayEndInASlash()
-{
-    QCOMPARE(run({"init", directory() + "/", "set", "4278190335"}), QByteArray());
-    QCOMPARE(contents(), fileWith(kBlue));
-}
-
-void tst_ScreenCaptureTool::fileHasExactlyTheFourKeys()
-{
-    QCOMPARE(runHere({"text", "4278190335", "set", "4294654008"}), QByteArray());
-    QCOMPARE(contents(), QByteArray("[pen_color]\n"
-                                    "arrowColor=4294654008\n"
-                                    "ellipseColor=4294654008\n"
-                                    "rectColor=4294654008\n"
-                                    "scribbleColor=4294654008\n"));
-    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    initIn(directory());
+    setColors({kDefault, kBlue, 0x12345678, 0}, Qt::yellow);
+    QCOMPARE(readFile(file()), std::string("[pen_color]\n"
+                                           "arrowColor=0\n"
+                                           "ellipseColor=305419896\n"
+                                           "rectColor=4278190335\n"
+                                           "scribbleColor=4294654008\n"));
+    QCOMPARE(colorsNow(), Colors({kDefault, kBlue, 0x12345678, 0}));
+    QCOMPARE(QDir(QString::fromStdString(directory()))
+                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList("screencapture.ini"));
-    QCOMPARE(runHere({"set", "1"}), QByteArray());
-    QCOMPARE(contents(), fileWith(1));
-}
-
-void tst_ScreenCaptureTool::eachPenIsWrittenUnderItsKey_data()
-{
-    QTest::addColumn<QString>("pen");
-    for (const char* pen : {"scribble", "rect", "ellipse", "arrow"})
-        QTest::newRow(pen) << pen;
-}
-
-void tst_ScreenCaptureTool::eachPenIsWrittenUnderItsKey()
-{
-    QFETCH(QString, pen);
-    QCOMPARE(runHere({"pen", pen, "4278190335"}), QByteArray());
-    QByteArray expected = fileWith(kRed);
-    const QByteArray key = pen.toLatin1() + "Color=";
-    expected.replace(key + "4294654008", key + "4278190335");
-    QCOMPARE(contents(), expected);
-}
-
-void tst_ScreenCaptureTool::transparencyIsKept()
-{
-    QCOMPARE(runHere({"set", "305419896"}), QByteArray());
-    QCOMPARE(contents(), fileWith(0x12345678U));
-    QCOMPARE(runHere({"print"}), allFour(0x12345678U));
 }
 
 void tst_ScreenCaptureTool::invalidColorsAreWrittenAsBlack()
 {
-    ScreenCaptureTool::init(directory());
+    initIn(directory());
     ScreenCaptureTool::setPenColor(ScreenCaptureToolColors());
-    QCOMPARE(contents(), fileWith(0xff000000U));
+    QCOMPARE(readFile(file()), std::string("[pen_color]\n"
+                                           "arrowColor=4278190080\n"
+                                           "ellipseColor=4278190080\n"
+                                           "rectColor=4278190080\n"
+                                           "scribbleColor=4278190080\n"));
     ScreenCaptureToolColors colors;
     ScreenCaptureTool::penColor(colors);
     QVERIFY(!colors.rectColor.isValid());
 }
 
-void tst_ScreenCaptureTool::foreignEntriesSurvive()
+void tst_ScreenCaptureTool::otherEntriesStay_data()
 {
-    write("top=level\n[Window]\ngeometry=@ByteArray(abc)\n[pen_color]\npenColor=7\nrectColor=3\n"
-          "[zoo]\nanimals=cat, dog\n");
-    QCOMPARE(runHere({"set", "4278190335"}), QByteArray());
-    const QSettings settings(file(), QSettings::IniFormat);
-    QStringList keys = settings.allKeys();
-    keys.sort();
-    QCOMPARE(keys, QStringList({"Window/geometry", "pen_color/arrowColor", "pen_color/ellipseColor",
-                                "pen_color/penColor", "pen_color/rectColor",
-                                "pen_color/scribbleColor", "top", "zoo/animals"}));
-    QCOMPARE(settings.value("top").toString(), QString("level"));
-    QCOMPARE(settings.value("Window/geometry").toByteArray(), QByteArray("abc"));
-    QCOMPARE(settings.value("pen_color/penColor").toString(), QString("7"));
-    QCOMPARE(settings.value("zoo/animals").toStringList(), QStringList({"cat", "dog"}));
-    QCOMPARE(runHere({"print"}), allFour(kBlue));
+    QTest::addColumn<std::string>("value");
+    QTest::newRow("number") << std::string("7");
+    QTest::newRow("list") << std::string("cat, dog");
+    QTest::newRow("beyond ASCII") << std::string(R"(\x622a\x56fe)");
+    QTest::newRow("at sign") << std::string("@@home");
+    QTest::newRow("point") << std::string("@Point(1 2)");
+    QTest::newRow("bytes") << std::string(R"(@ByteArray(\0\x1\x61))");
+    QTest::newRow("serialised date") << std::string(R"(@Variant(\0\0\0\xe\0%\x84\xe2))");
 }
 
-void tst_ScreenCaptureTool::textColorStaysInTheProcess()
+void tst_ScreenCaptureTool::otherEntriesStay()
 {
-    QCOMPARE(runHere({"text", "4278255360", "set", "4278190335"}), QByteArray());
-    QVERIFY(!contents().contains("text"));
-    QCOMPARE(runHere({"print"}), allFour(kBlue));
+    QFETCH(std::string, value);
+    const std::string above = "[Window]\na=" + value + "\n\n[pen_color]\na=" + value + "\n";
+    const std::string below = "textColor=3\nthePenColor=7\n\n[zoo]\na=" + value + "\n";
+    writeFile(file(), above + "scribbleColor=5\n" + below);
+    initIn(directory());
+    QCOMPARE(colorsNow(), Colors({5, 2, 3, 4}));
+    setColors(kAllBlue, Qt::yellow);
+    QCOMPARE(readFile(file()), above +
+                                   "arrowColor=4278190335\n"
+                                   "ellipseColor=4278190335\n"
+                                   "rectColor=4278190335\n"
+                                   "scribbleColor=4278190335\n" +
+                                   below);
 }
 
-void tst_ScreenCaptureTool::colorsAreReadInTheNextProcess()
+void tst_ScreenCaptureTool::entriesOfOtherWritersStay()
 {
-    QCOMPARE(runHere({"pen", "scribble", "4278190335"}), QByteArray());
-    QCOMPARE(runHere({"print"}), QByteArray("4278190335 4294654008 4294654008 4294654008 "
-                                            "invalid\n"));
+    initIn(directory());
+    setColors(kBefore);
+    writeFile(file(), "[zoo]\nanimals=cat\n");
+    setColors(kAllBlue);
+    QCOMPARE(readFile(file()), kBlueFile + "\n[zoo]\nanimals=cat\n");
 }
 
-void tst_ScreenCaptureTool::colorsAreWrittenAtOnce()
+void tst_ScreenCaptureTool::colorsAreWrittenToTheLastDirectory()
 {
-    ScreenCaptureToolColors colors;
-    ScreenCaptureTool::init(directory());
-    for (const uint color : {kBlue, kGreen, kGreen}) {
-        colors.scribbleColor = colors.rectColor = QColor::fromRgba(color);
-        colors.ellipseColor = colors.arrowColor = QColor::fromRgba(color);
-        QFile::remove(file());
-        ScreenCaptureTool::setPenColor(colors);
-        QCOMPARE(contents(), fileWith(color));
-    }
+    initIn(directory());
+    initIn(m_scratch->path("empty"));
+    setColors(kAllBlue);
+    QVERIFY(std::filesystem::is_empty(directory()));
+    QCOMPARE(readFile(m_scratch->path("empty/screencapture.ini")), kBlueFile);
 }
 
-void tst_ScreenCaptureTool::withoutInitNothingIsWritten()
+void tst_ScreenCaptureTool::damagedFileKeepsTheColors_data()
 {
-    QCOMPARE(run({"set", "4278190335", "print"}), allFour(kBlue));
-    QDirIterator everything(m_scratch->path(), QDir::Files | QDir::Hidden | QDir::System,
-                            QDirIterator::Subdirectories);
-    QVERIFY2(!everything.hasNext(), qPrintable(everything.next()));
-    QVERIFY(QDir(elsewhere()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    QTest::addColumn<std::string>("text");
+    QTest::newRow("empty") << std::string();
+    QTest::newRow("no settings") << std::string("<?xml version=\"1.0\"?>\n<pens/>\n");
+    QTest::newRow("group without an end") << std::string("[pen_color\nred\n");
+    QTest::newRow("group alone") << std::string("[pen_color]");
+    QTest::newRow("key without a value") << std::string("[pen_color]\nrectColor\n");
+    QTest::newRow("null bytes") << std::string(4096, '\0');
 }
 
-void tst_ScreenCaptureTool::uselessFiles()
+void tst_ScreenCaptureTool::damagedFileKeepsTheColors()
 {
-    QTest::addColumn<QByteArray>("text");
-    QByteArray binary;
-    for (int i = 0; i < 4096; ++i)
-        binary += char((i * 167 + i / 256) % 256);
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("one line break") << QByteArray("\n");
-    QTest::newRow("no INI file") << QByteArray("<?xml version=\"1.0\"?>\n<pens/>\n");
-    QTest::newRow("group without an end") << QByteArray("[pen_color\nred\n=\n[]\n");
-    QTest::newRow("group alone") << QByteArray("[pen_color]");
-    QTest::newRow("key without a value") << QByteArray("[pen_color]\nrectColor\n");
-    QTest::newRow("binary") << binary;
-    QTest::newRow("null bytes") << QByteArray(4096, '\0');
-    QTest::newRow("10 MiB of lines") << QByteArray("pen=7\n").repeated(10 * 1024 * 1024 / 6);
-    QTest::newRow("10 MiB in one line") << QByteArray(10 * 1024 * 1024, 'x');
-}
-
-void tst_ScreenCaptureTool::uselessFileLeavesTheColors_data()
-{
-    uselessFiles();
-}
-
-void tst_ScreenCaptureTool::uselessFileLeavesTheColors()
-{
-    QFETCH(QByteArray, text);
-    write(text);
-    QCOMPARE(run({"set", "4278190335", "init", directory(), "print"}), allFour(kBlue));
-    QVERIFY(contents() == text);
-}
-
-void tst_ScreenCaptureTool::uselessFileIsReplaced_data()
-{
-    uselessFiles();
-}
-
-void tst_ScreenCaptureTool::uselessFileIsReplaced()
-{
-    QFETCH(QByteArray, text);
-    write(text);
-    QCOMPARE(runHere({"set", "4278190335", "print"}), allFour(kBlue));
-    QCOMPARE(runHere({"print"}), allFour(kBlue));
-}
-
-// A list of more than a thousand million values, "Colo" in numbers, for which Qt makes room before
-// it reads them.
-void tst_ScreenCaptureTool::fileWithASerialisedObjectIsLeftAlone_data()
-{
-    QTest::addColumn<QByteArray>("value");
-    QTest::newRow("plain") << QByteArray("@Variant(\\0\\0\\0\\tcColo)");
-    QTest::newRow("quoted") << QByteArray("\"@Variant(\\0\\0\\0\\tcColo)\"");
-    QTest::newRow("quotes inside") << QByteArray("@Var\"iant(\\0\\0\\0\\tcColo)\"");
-    QTest::newRow("hexadecimal escape") << QByteArray("\\x40Variant(\\0\\0\\0\\tcColo)");
-    QTest::newRow("long hexadecimal escape") << QByteArray("\\x10040Variant(\\0\\0\\0\\tcColo)");
-    QTest::newRow("octal escape") << QByteArray("@\\126ariant(\\0\\0\\0\\tcColo)");
-    QTest::newRow("unknown escape") << QByteArray("@Vari\\zant(\\0\\0\\0\\tcColo)");
-    QTest::newRow("over two lines") << QByteArray("@Vari\\\nant(\\0\\0\\0\\tcColo)");
-    QTest::newRow("over two lines of another system")
-        << QByteArray("@Vari\\\r\nant(\\0\\0\\0\\tcColo)");
-    QTest::newRow("escaped null byte")
-        << QByteArray("@Vari\\") + '\0' + QByteArray("ant(\\0\\0\\0\\tcColo)");
-    QTest::newRow("in a list") << QByteArray("1, @Variant(\\0\\0\\0\\tcColo)");
-}
-
-void tst_ScreenCaptureTool::fileWithASerialisedObjectIsLeftAlone()
-{
-    QFETCH(QByteArray, value);
-    write("[pen_color]\nfoo=" + value + "\nrectColor=7\n");
-    const QByteArray before = contents();
-    QCOMPARE(run({"set", "4278190335", "init", directory(), "print"}), allFour(kBlue));
-    QCOMPARE(runHere({"init", directory(), "set", "4278190335", "print"}), allFour(kBlue));
-    QCOMPARE(contents(), before);
-}
-
-// A text that only speaks of one is a value as any other.
-void tst_ScreenCaptureTool::escapesThatGiveNoObjectAreRead()
-{
-    write("[pen_color]\nrectColor=\\x37\nfoo=Variant(\\x40, \\a\\\\@\\100\\n\nbar=\\");
-    QCOMPARE(runHere({"print"}), QByteArray("4294654008 7 4294654008 4294654008 invalid\n"));
-}
-
-void tst_ScreenCaptureTool::directoryInTheFilesPlaceStays()
-{
-    QVERIFY(QDir().mkdir(file()));
-    QCOMPARE(runHere({"print", "set", "4278190335", "print"}), allFour(kRed) + allFour(kBlue));
-    QVERIFY(QFileInfo(file()).isDir());
-    QVERIFY(QDir(file()).isEmpty());
-}
-
-void tst_ScreenCaptureTool::unwritablePlaceKeepsTheColorsInMemory_data()
-{
-    QTest::addColumn<QString>("place");
-    QTest::newRow("below a plain file") << "plain";
-    QTest::newRow("in a directory that takes no files") << "/proc/self";
-}
-
-void tst_ScreenCaptureTool::unwritablePlaceKeepsTheColorsInMemory()
-{
-    QFETCH(QString, place);
-    if (place == "plain") {
-        place = m_scratch->filePath(place);
-        writeFile(place.toStdString(), "plain");
-    }
-    QCOMPARE(run({"init", place, "print", "set", "4278190335", "print"}),
-             allFour(kRed) + allFour(kBlue));
-}
-
-// Nobody can write to this file, not even the superuser, whom mode bits do not stop.
-void tst_ScreenCaptureTool::unwritableFileKeepsTheColorsInMemory()
-{
-    const QString system = "/proc/version";
-    if (!QFileInfo::exists(system))
-        QSKIP("the system has no file that the superuser cannot write", "");
-    QVERIFY(QFile::link(system, file()));
-    QCOMPARE(runHere({"print", "set", "4278190335", "print"}), allFour(kRed) + allFour(kBlue));
-    QCOMPARE(QFileInfo(file()).symLinkTarget(), system);
+    QFETCH(std::string, text);
+    writeFile(file(), text);
+    initIn(directory());
+    QCOMPARE(colorsNow(), kBefore);
+    QVERIFY(readFile(file()) == text);
+    setColors(kAllBlue);
+    QCOMPARE(colorsNow(), kAllBlue);
 }
 
 void tst_ScreenCaptureTool::missingDirectoryIsNotMade()
 {
-    const QString missing = m_scratch->filePath("missing");
-    QCOMPARE(run({"init", missing, "print"}), allFour(kRed));
-    QVERIFY(!QFileInfo::exists(missing));
-    QCOMPARE(run({"init", missing, "set", "4278190335", "print"}), allFour(kBlue));
-    QVERIFY(!QFileInfo::exists(missing));
+    initIn(m_scratch->path("missing"));
+    setColors(kAllBlue);
+    QCOMPARE(colorsNow(), kAllBlue);
+    QVERIFY(!std::filesystem::exists(m_scratch->path("missing")));
 }
 
-void tst_ScreenCaptureTool::processesWriteInTurn()
+void tst_ScreenCaptureTool::directoryInTheFilesPlaceStays()
 {
-    for (int round = 0; round < 5; ++round) {
-        for (const uint color : {kBlue, kGreen}) {
-            QCOMPARE(runHere({"set", QString::number(color)}), QByteArray());
-            QCOMPARE(runHere({"print"}), allFour(color));
-        }
-    }
-    // One process goes on while the other writes between.
-    ScreenCaptureToolColors colors;
-    ScreenCaptureTool::init(directory());
-    ScreenCaptureTool::penColor(colors);
-    QCOMPARE(numbers(colors), allFour(kGreen));
-    QCOMPARE(runHere({"set", "4278190335"}), QByteArray());
-    ScreenCaptureTool::init(directory());
-    ScreenCaptureTool::penColor(colors);
-    QCOMPARE(numbers(colors), allFour(kBlue));
+    std::filesystem::create_directory(file());
+    initIn(directory());
+    setColors(kAllBlue);
+    QCOMPARE(colorsNow(), kAllBlue);
+    QVERIFY(std::filesystem::is_directory(file()));
+    QVERIFY(std::filesystem::is_empty(file()));
 }
 
-void tst_ScreenCaptureTool::processesWriteAtTheSameTime()
+void tst_ScreenCaptureTool::directoryBelowAPlainFile()
 {
-    QProcess writers[2];
-    uint color = 4000000000U;
-    for (QProcess& writer : writers) {
-        start(writer, {"init", directory(), "repeat", "20", QString::number(color),
-                       QString::number(color + 1)});
-        color += 2;
-    }
-    for (QProcess& writer : writers) {
-        QVERIFY(writer.waitForFinished(kClientTimeoutMs));
-        QCOMPARE(writer.exitCode(), 0);
-        QCOMPARE(writer.readAllStandardError(), QByteArray());
-    }
-    QSet<QByteArray> allowed;
-    for (uint last = 4000000001U; last < 4000000004U; last += 2)
-        allowed << fileWith(last);
-    QVERIFY2(allowed.contains(contents()), contents());
-    QVERIFY(runHere({"print"}).startsWith("400000000"));
-}
-
-// Killed at ever later moments, so that some of them hit the middle of a write.
-void tst_ScreenCaptureTool::killedWriterLeavesAFileThatLoads()
-{
-    write(fileWith(kBlue) + "\n[zoo]\nanimals=cat\n");
-    for (int moment = 0; moment < 12; ++moment) {
-        QProcess writer;
-        start(writer,
-              {"init", directory(), "print", "repeat", "100000000", "4278190335", "4278255360"});
-        QVERIFY(writer.waitForReadyRead(kClientTimeoutMs));
-        // By its time, since the contents turn back to what they were.
-        const QDateTime before = QFileInfo(file()).lastModified();
-        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(file()).lastModified() != before, kClientTimeoutMs);
-        ::usleep(useconds_t(moment) * 211);
-        writer.kill();
-        QVERIFY(writer.waitForFinished(kClientTimeoutMs));
-        QCOMPARE(writer.exitStatus(), QProcess::CrashExit);
-        const QByteArray found = runHere({"print"});
-        QVERIFY2(found == allFour(kBlue) || found == allFour(kGreen), found);
-        QVERIFY(contents().contains("animals=cat"));
-        // A lock that it was just about to sign is taken for a live one's at first.
-        QTRY_VERIFY(!unsignedLockIsYoung());
-        // Then it does not stand in the way of the next one.
-        QCOMPARE(runHere({"set", "4278190335"}), QByteArray());
-        QCOMPARE(runHere({"print"}), allFour(kBlue));
-    }
-}
-
-// Qt would wait for 30 seconds.
-void tst_ScreenCaptureTool::emptyLockOfAKilledWriterIsRemoved()
-{
-    constexpr int kLongBeforeQtGivesUpMs = 20000;
-    QFile lock(file() + ".lock");
-    QVERIFY(lock.open(QIODevice::WriteOnly));
-    QVERIFY(lock.setFileTime(QDateTime::currentDateTime().addMSecs(-2 * kLockSigningMs),
-                             QFileDevice::FileModificationTime));
-    QProcess writer;
-    start(writer, {"init", directory(), "set", "4278190335"});
-    QVERIFY(writer.waitForFinished(kLongBeforeQtGivesUpMs));
-    QCOMPARE(runHere({"print"}), allFour(kBlue));
-    QVERIFY(!lock.exists());
-}
-
-void tst_ScreenCaptureTool::lockOfALiveWriterIsWaitedFor()
-{
-    QLockFile lock(file() + ".lock");
-    QVERIFY(lock.lock());
-    QProcess writer;
-    start(writer, {"init", directory(), "print", "set", "4278190335"});
-    QVERIFY(writer.waitForReadyRead(kClientTimeoutMs));
-    // It tries for as long as it lives; nothing else tells that it began to.
-    QVERIFY(!writer.waitForFinished(300));
-    QVERIFY(QFileInfo::exists(file() + ".lock"));
-    lock.unlock();
-    QVERIFY(writer.waitForFinished(kClientTimeoutMs));
-    QCOMPARE(runHere({"print"}), allFour(kBlue));
+    writeFile(file(), kBlueFile);
+    initIn(file());
+    QCOMPARE(colorsNow(), kBefore);
+    setColors({5, 6, 7, 8});
+    QCOMPARE(colorsNow(), Colors({5, 6, 7, 8}));
+    QCOMPARE(readFile(file()), kBlueFile);
 }
 
 int main(int argc, char** argv)
@@ -752,7 +464,7 @@ int main(int argc, char** argv)
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == kClient)
-        return Client(arguments.mid(2)).run();
+        return runClient(arguments.mid(2));
     tst_ScreenCaptureTool test;
     return QTest::qExec(&test, argc, argv);
 }
