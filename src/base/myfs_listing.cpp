@@ -21,8 +21,8 @@ bool is_dots(const std::string& name)
     return name == "." || name == "..";
 }
 
-// Below ".", "..", and names that parsing would take apart at a backslash lies something else than
-// the entry, or the directory itself once more.
+// "." and ".." lead to the directory itself and its parent. A backslash separates components, so
+// the path made from a name that contains one leads somewhere else.
 bool can_be_descended(const std::string& name)
 {
     return !is_dots(name) && name.find('\\') == std::string::npos;

@@ -63,6 +63,26 @@ const ArrowMap* flipTable(const QRect& r)
     return flippedY ? &s_verticalArrowMap : nullptr;
 }
 
+void setCorner(QRect& r, int corner, const QPoint& p)
+{
+    switch (corner) {
+    case R::SECTION_TOP_LEFT:
+        r.setTopLeft(p);
+        break;
+    case R::SECTION_TOP_RIGHT:
+        r.setTopRight(p);
+        break;
+    case R::SECTION_BOTTOM_LEFT:
+        r.setBottomLeft(p);
+        break;
+    case R::SECTION_BOTTOM_RIGHT:
+        r.setBottomRight(p);
+        break;
+    default:
+        break;
+    }
+}
+
 QPen borderPen(const QColor& color, Qt::PenStyle style)
 {
     return {QBrush(color, Qt::SolidPattern), kBorderWidthPx, style, Qt::RoundCap, Qt::RoundJoin};
@@ -297,22 +317,7 @@ QPoint ResizableRect::getArrowRectPoint(int corner, const QRect& r)
 
 void ResizableRect::setArrowRectPoint(int corner, const QPoint& p, QRect& r)
 {
-    switch (corner) {
-    case SECTION_TOP_LEFT:
-        r.setTopLeft(p);
-        break;
-    case SECTION_TOP_RIGHT:
-        r.setTopRight(p);
-        break;
-    case SECTION_BOTTOM_LEFT:
-        r.setBottomLeft(p);
-        break;
-    case SECTION_BOTTOM_RIGHT:
-        r.setBottomRight(p);
-        break;
-    default:
-        break;
-    }
+    setCorner(r, corner, p);
 }
 
 QPoint ResizableRect::arrowTail()
@@ -429,7 +434,7 @@ QRect ResizableRect::draggedRect(const QPoint& pos)
         r.setBottom(pos.y());
         break;
     default:
-        setArrowRectPoint(m_pressSection, pos, r);
+        setCorner(r, m_pressSection, pos);
         break;
     }
     ensureSizingRectInWidget(r);
