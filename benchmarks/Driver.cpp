@@ -15,7 +15,8 @@ namespace
 
 constexpr int kPatienceMs = 10000;
 constexpr int kDragSteps = 8;
-/// White below black of alpha 100.
+/// The desktop, and what it is below black of alpha 100.
+constexpr unsigned long kWhite = 0xffffffUL;
 constexpr unsigned long kDimmedWhite = 0x9b9b9bUL;
 constexpr unsigned long kColorMask = 0xffffffUL;
 
@@ -80,15 +81,25 @@ unsigned long Driver::pixel(const QPoint& p)
 
 void Driver::waitForDimmedCorners()
 {
+    waitForCorners([](unsigned long color) { return color == kDimmedWhite; });
+}
+
+void Driver::waitForCoveredCorners()
+{
+    waitForCorners([](unsigned long color) { return color != kWhite; });
+}
+
+void Driver::waitForCorners(bool (*arrived)(unsigned long color))
+{
     const int right = DisplayWidth(m_connection->display, 0) - 1;
     const int bottom = DisplayHeight(m_connection->display, 0) - 1;
     QElapsedTimer timer;
     timer.start();
     for (const QPoint& corner :
          {QPoint(0, 0), QPoint(right, 0), QPoint(0, bottom), QPoint(right, bottom)}) {
-        while (pixel(corner) != kDimmedWhite) {
+        while (!arrived(pixel(corner))) {
             if (timer.elapsed() > kPatienceMs)
-                qFatal("the screen was not dimmed");
+                qFatal("the screen was not covered");
         }
     }
 }

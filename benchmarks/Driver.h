@@ -22,12 +22,15 @@ public:
     /// Waits until the screen is dimmed and comes to rest.
     void waitForWindow();
     void waitForDimmedCorners();
+    /// Waits until a white screen is another colour in its corners.
+    void waitForCoveredCorners();
     /// Waits until the main thread of the application has nothing to do.
     void settle();
     /// The milliseconds from moving to `p` until the pixel at `watched` is another.
     double moveAndWait(const QPoint& p, const QPoint& watched);
 
 private:
+    void waitForCorners(bool (*arrived)(unsigned long color));
     unsigned long pixel(const QPoint& p);
 
     struct Connection;

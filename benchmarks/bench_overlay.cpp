@@ -2,6 +2,7 @@
 // One measurement of the real window, or of a bare widget that does the least that could be done in
 // its place, driven by real X events. Prints one number; ./bench runs all of them and compares.
 //   bench_overlay WHAT library|floor
+//   bench_overlay exec COMMAND       for any other program that covers the screen when it starts
 #include "BareOverlay.h"
 #include "Driver.h"
 #include "ScreenCaptureWnd.h"
@@ -12,6 +13,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QMouseEvent>
+#include <QProcess>
 #include <QScreen>
 #include <QSlider>
 #include <QThread>
@@ -229,6 +231,34 @@ double measureFirstFrame(Subject& subject, Driver& driver)
     return result;
 }
 
+/// The program to start: one around the library, one around the bare widget, or another one.
+QStringList commandOf(const QString& subject)
+{
+    const QString here = QCoreApplication::applicationDirPath();
+    if (subject == "library")
+        return {here + "/../host/capture-host", "--once"};
+    if (subject == "floor")
+        return {QCoreApplication::applicationFilePath(), "bare", "floor"};
+    return subject.split(' ');
+}
+
+// From starting a program until it covers the screen.
+double measureExec(const QString& subject, Driver& driver)
+{
+    QStringList command = commandOf(subject);
+    QProcess process;
+    process.setProgram(command.takeFirst());
+    process.setArguments(command);
+    QElapsedTimer timer;
+    timer.start();
+    process.start();
+    driver.waitForCoveredCorners();
+    const double result = double(timer.nsecsElapsed()) / 1e6;
+    process.kill();
+    process.waitForFinished();
+    return result;
+}
+
 double measureLatency(Subject& subject, Driver& driver, int tool, BareOverlay::Kind kind,
                       double quantile)
 {
@@ -391,9 +421,15 @@ int main(int argc, char** argv)
     }
     const QString what = argv[1];
     Subject subject(QString(argv[2]) == "library");
+    if (what == "bare") {
+        subject.show(BareOverlay::FirstFrame);
+        return QApplication::exec();
+    }
     Driver driver;
     double result = 0;
-    if (what == "first-frame")
+    if (what == "exec")
+        result = measureExec(argv[2], driver);
+    else if (what == "first-frame")
         result = measureFirstFrame(subject, driver);
     else if (what == "drag")
         result = measureDrag(subject, driver);

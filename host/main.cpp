@@ -76,6 +76,8 @@ int main(int argc, char** argv)
         break;
     }
 
+    // Nothing here draws with OpenGL, whose libraries take longer to load than all others.
+    QCoreApplication::setAttribute(Qt::AA_ForceRasterWidgets);
     const QtMessageHandler handler = qInstallMessageHandler(refuseWithoutDisplay);
     QApplication app(argc, argv);
     qInstallMessageHandler(handler);
