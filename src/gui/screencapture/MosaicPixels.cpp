@@ -35,11 +35,12 @@ std::vector<Sum> sumsOf(const QImage& image, const QRect& rect)
     return sums;
 }
 
-/// `share` is 1 / number of pixels. One half more than the sum keeps the product on the right side
-/// of the whole numbers, however it is rounded.
+/// One half more than the sum keeps the product on the right side of the whole numbers, however it
+/// is rounded.
 template <typename Sum>
-QRgb averageOf(const Sum* sums, int columns, double share)
+QRgb averageOf(const Sum* sums, int columns, int rows)
 {
+    const double share = 1.0 / (double(columns) * rows);
     double totals[kBytesPerPixel] = {0.5, 0.5, 0.5, 0.5};
     for (int x = 0; x < columns; ++x, sums += kBytesPerPixel) {
         for (size_t i = 0; i < kBytesPerPixel; ++i)
@@ -65,8 +66,7 @@ void pixelate(QImage& dst, const QImage& src, int blockSize)
         for (int x = 0; x < width; x += blockSize) {
             const int columns = std::min(blockSize, width - x);
             std::fill_n(first + x, columns,
-                        averageOf(&sums[size_t(x) * kBytesPerPixel], columns,
-                                  1.0 / (double(columns) * rows)));
+                        averageOf(&sums[size_t(x) * kBytesPerPixel], columns, rows));
         }
         for (int row = 1; row < rows; ++row)
             std::memcpy(dst.scanLine(y + row), first, size_t(width) * kBytesPerPixel);
@@ -80,8 +80,7 @@ namespace mosaic
 
 QRgb makeMosaicColor(const QImage& image, const QRect& rect)
 {
-    return averageOf(sumsOf<quint64>(image, rect).data(), rect.width(),
-                     1.0 / (double(rect.width()) * rect.height()));
+    return averageOf(sumsOf<quint64>(image, rect).data(), rect.width(), rect.height());
 }
 
 void makeMosaicImage(QImage& dst, const QImage& src, int blockSize)
