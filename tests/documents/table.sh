@@ -5,12 +5,9 @@
 # check_command COMMAND: its comment cut off, and its continuation lines joined.
 check_command() {
     case $1 in
-        # Once, although several documents name it.
-        ./run) { [ -s out/result.png ] || without_display ./run; } && [ -s out/result.png ] ;;
-        build/release) [ -x build/release/host/capture-host ] ;;
+        ./run) without_display ./run && [ -s out/result.png ] ;;
         # The suites themselves.
-        ./test | build/dev) is_suite dev ;;
-        './test all') is_suite dev && is_suite asan ;;
+        ./test) is_suite dev && is_suite asan ;;
         './test dev') is_suite dev ;;
         # Too long to be run here; that they can be read, and understand what they are given.
         'tools/fuzz 600') bash -n tools/fuzz ;;
@@ -20,6 +17,9 @@ check_command() {
         tools/install-packages | 'tools/install-packages packaging') run "$1" ;;
         './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
         './test asan') is_suite asan ;;
+        # What ./run and ./test leave.
+        build/release) [ -x build/release/host/capture-host ] ;;
+        build/dev) is_suite dev ;;
 
         # ./run has built build/release; the other builds are planned, but not done again.
         'cmake --preset '*BENCHMARKS=ON) has_benchmark_library || return 0; run "$1" ;;
