@@ -17,14 +17,16 @@ check_command() {
         tools/install-packages | 'tools/install-packages packaging') run "$1" ;;
         './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
         './test asan') is_suite asan ;;
+        # What ./run and ./test leave.
+        build/release) [ -x build/release/host/capture-host ] ;;
+        build/dev) is_suite dev ;;
 
         # ./run has built build/release; the other builds are planned, but not done again.
         'cmake --preset '*BENCHMARKS=ON) has_benchmark_library || return 0; run "$1" ;;
         'cmake --build --preset release --target bench'*) has_benchmark_library || return 0; run "$1 -- -n" ;;
         'build/release/benchmarks/bench_'*) has_benchmark_library || return 0; is_built_as "${1#build/release/}" ;;
-        'cmake --build --preset release') run "$1" ;;
         'cmake --build --preset '*) run "$1 -- -n" ;;
-        'cmake --preset '* | 'cmake --install '*) run "$1" ;;
+        'cmake --preset '*) run "$1" ;;
         'ctest --preset dev') run "$1 -N" ;;
         'ctest --preset dev -R '*) run "$1 -N | tee listed" && grep -q 'Total Tests: [1-9]' listed ;;
         # The packages are made, installed and removed by a test of their own, in the same way.
@@ -34,11 +36,19 @@ check_command() {
         build/dev/tests) [ -d "$build/tests" ] ;;
         'QT_QPA_PLATFORM=xcb tools/with-display '*) run "${1//build\/dev/$build}" ;;
 
-        'g++ -std=c++17 -fPIC main.cpp '*) compiled_by_hand "$1" ;;
+        # The library itself, then programs that use it, some of which have its sources in a folder.
+        'cmake -S . -B build'* | 'cmake --install build '*) run_in_place "$1" ;;
+        'cmake --build build') if [ -L "$place/screencapture" ]; then build_beside_sources; else run_in_place "$1"; fi ;;
+        'export '*) eval "$1" ;;
+        'g++ -std=c++17 -fPIC main.cpp '* | make) run_in_place "$1" ;;
+        # Where several versions of Qt are installed, this one.
+        qmake) QT_SELECT=5 run_in_place "$1" ;;
+        build/yourapp | ./yourapp) takes_capture "$1" ;;
+
         'doxygen docs/Doxyfile') run "$1" && [ -s build/api/html/index.html ] ;;
         build/api/html/index.html) [ -s "$1" ] ;;
         'lupdate -locations none '*) PATH=$PATH:/usr/lib/qt5/bin run "$1" ;;
-        'capture-host --once --output shot.png' | 'capture-host --once --delay 2 --output shot.png') on_display takes_picture "$1" ;;
+        'capture-host --once --output shot.png' | 'capture-host --once --delay 2 --output shot.png') takes_capture $1 ;;
         'capture-host --help') run "$1" ;;
         *) return 1 ;;
     esac
@@ -47,17 +57,22 @@ check_command() {
 # check_block DOCUMENT LANGUAGE FILE
 check_block() {
     case "$1 $2 $(head -1 "$3")" in
-        # In ten lines, as they are announced; the builds below use it.
-        'README.md cpp #include <ScreenCaptureWnd.h>') [ "$(wc -l <"$3")" -le 10 ] && cp "$3" embed.cpp ;;
-        'README.md cpp #include <myfs.h>') base_fragment_runs "$3" ;;
-        'README.md cpp #include <QCoreApplication>') speaks_french "$3" ;;
-        'README.md cmake add_subdirectory(screencapture)') cmake_project "$3" -n ;;
-        'README.md cmake find_package'*) cmake_project "$3" && on_display "$project/build/yourapp" ;;
-        'README.md qmake QT += widgets') qmake_project "$3" && on_display "$project/yourapp" ;;
-        'README.md ini [pen_color]') settings_file_is "$3" ;;
-        'README.md text screenCaptureWnd() '*) names_the_states "$3" ;;
+        # A whole program, which the ways to link it are tried with.
+        'README.md cpp #include <QApplication>') cp "$3" "$scratch/main.cpp" ;;
+        'README.md cmake '*) route "$3" CMakeLists.txt ;;
+        'README.md cpp hide();') stands_in docs/embedding.md "$3" ;;
+        'docs/installing.md cmake '*) route_from_sources "$3" ;;
+        'docs/installing.md qmake '*) route "$3" yourapp.pro ;;
 
-        'ScreenCaptureWnd.h cpp '*) begins_a_capture "$3" ;;
+        'docs/embedding.md cpp #include <QApplication>') mkdir -p "$scratch/embedding" && cp "$3" "$scratch/embedding/main.cpp" ;;
+        'docs/embedding.md cmake '*) route "$3" CMakeLists.txt "$scratch/embedding/main.cpp" && builds_and_runs --window ;;
+        'docs/embedding.md cpp #include <QDir>') statements_hold "$3" 'QDir(directory).exists()' ;;
+        'docs/embedding.md ini [pen_color]') settings_file_is "$3" ;;
+        'docs/embedding.md cpp #include <QCoreApplication>') speaks_french "$3" ;;
+        'docs/base-library.md cpp #include <myfs.h>') base_fragment_runs "$3" ;;
+        'docs/using.md text screenCaptureWnd() '*) names_the_states "$3" ;;
+
+        'ScreenCaptureWnd.h cpp '*) stands_in docs/embedding.md "$3" ;;
         'ScreenCaptureTool.h cpp '*) statements_hold "$3" 'QDir(dir).exists()' ScreenCaptureTool.h QDir QStandardPaths ;;
         'code_convert.h cpp '*)
             statements_hold "$3" '(wide.size() == 4 && (gbk.empty() || gbk == "caf\xA8\xA6"))' code_convert.h ;;
