@@ -35,8 +35,10 @@ struct ScreenCaptureToolColors;
 /// \endcode
 ///
 /// Coordinates are pixels of the window, which are those of the virtual desktop. The window deletes
-/// itself: a host keeps no pointer to it across the end of a capture. Its end is never taken for
-/// that of the last window, with which Qt ends an application. GUI thread only, with a
+/// itself: a host keeps no pointer to it across the end of a capture. A host that clears
+/// Qt::WA_DeleteOnClose keeps the window instead, and takes another capture of the same picture by
+/// showing it again. The window's end is never taken for that of the last window, with which Qt
+/// ends an application. GUI thread only, with a
 /// QApplication; nothing is thrown, and a desktop that cannot be grabbed gives a null picture.
 class SCREENCAPTURE_EXPORT ScreenCaptureWnd : public QDialog
 {
@@ -74,8 +76,9 @@ public:
 signals:
     /// Emitted exactly once, at the end of a capture: the annotated region and true when the user
     /// finished (the image is null when there was no region), a null image and false when the user
-    /// cancelled. Hosts may connect to it directly as well; a slot then runs before the window is
-    /// hidden.
+    /// cancelled or the application quits. Hosts may connect to it directly as well: a slot then
+    /// runs before the window is hidden, and is told when the application quits, which a queued one
+    /// is not, because the event loop has ended.
     void captureFinished(QImage image, bool finished);
 
     /// Never emitted by the window, which stores colours itself; kept for hosts that connect to it.
