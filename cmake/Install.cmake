@@ -11,6 +11,7 @@ set(data_dir ${CMAKE_INSTALL_DATADIR}/screencapture)
 install(TARGETS screencapture EXPORT ScreenCaptureTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     INCLUDES DESTINATION ${header_dir})
 install(FILES
     src/gui/screencapture/ScreenCaptureTool.h
@@ -18,10 +19,14 @@ install(FILES
     src/base/code_convert.h
     src/base/myfs.h
     src/base/screencapture_export.h
+    ${PROJECT_BINARY_DIR}/src/screencapture_version.h
     DESTINATION ${header_dir} COMPONENT development)
 
 # compress_document(FILE NAME): makes NAME.gz in the build directory, without a time stamp.
-find_program(GZIP_PROGRAM gzip REQUIRED)
+find_program(GZIP_PROGRAM gzip)
+if(NOT GZIP_PROGRAM)
+    message(STATUS "Left out: the man page and the packages (gzip not found)")
+endif()
 function(compress_document file name)
     set(compressed ${PROJECT_BINARY_DIR}/${name}.gz)
     add_custom_command(OUTPUT ${compressed}
@@ -30,7 +35,6 @@ function(compress_document file name)
         DEPENDS ${file} VERBATIM)
     add_custom_target(compressed_${name} ALL DEPENDS ${compressed})
 endfunction()
-compress_document(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog)
 
 # For find_package(ScreenCapture).
 install(EXPORT ScreenCaptureTargets NAMESPACE ScreenCapture::
@@ -46,6 +50,9 @@ install(FILES
 # For pkg-config.
 file(RELATIVE_PATH prefix_from_pkgconfig
     /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+if(NOT BUILD_SHARED_LIBS)
+    set(static_definition -DSCREENCAPTURE_STATIC)
+endif()
 configure_file(cmake/screencapture.pc.in screencapture.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/screencapture.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
@@ -65,9 +72,11 @@ if(TARGET capture-host)
         DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT host)
     install(FILES host/capture-host.svg
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT host)
-    compress_document(${PROJECT_SOURCE_DIR}/host/capture-host.1 capture-host.1)
-    install(FILES ${PROJECT_BINARY_DIR}/capture-host.1.gz
-        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
+    if(GZIP_PROGRAM)
+        compress_document(${PROJECT_SOURCE_DIR}/host/capture-host.1 capture-host.1)
+        install(FILES ${PROJECT_BINARY_DIR}/capture-host.1.gz
+            DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
+    endif()
     if(TARGET screencapture_translations)
         install(FILES $<TARGET_PROPERTY:screencapture_translations,HOST_QM_FILES>
             DESTINATION ${data_dir}/translations COMPONENT host)

@@ -54,6 +54,7 @@ arrow, rectangle, ellipse and mosaic, and copied or saved. Scripts can take
 one capture from the command line.")
 
 # Each package tells its licence and what changed, as Debian wants it.
+compress_document(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog)
 configure_file(cmake/debian/changelog.in debian/changelog @ONLY)
 compress_document(${PROJECT_BINARY_DIR}/debian/changelog changelog.Debian)
 foreach(component runtime development host)

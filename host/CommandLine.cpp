@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "CommandLine.h"
+#include "screencapture_version.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -59,7 +60,7 @@ void CommandLine::parse(const QStringList& arguments)
     }
     if (parser.isSet(version)) {
         m_action = Action::Version;
-        m_message = QStringLiteral("capture-host " CAPTURE_HOST_VERSION "\n");
+        m_message = QStringLiteral("capture-host " SCREENCAPTURE_VERSION_STR "\n");
         return;
     }
     if (!parser.positionalArguments().isEmpty())

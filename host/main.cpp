@@ -4,6 +4,7 @@
 #include "OneCapture.h"
 #include "ScreenCaptureTool.h"
 #include "Translations.h"
+#include "screencapture_version.h"
 
 #include <QApplication>
 #include <QDir>
@@ -83,7 +84,7 @@ int main(int argc, char** argv)
     qInstallMessageHandler(handler);
     installTranslations();
     QApplication::setApplicationName(QStringLiteral("capture-host"));
-    QApplication::setApplicationVersion(QStringLiteral(CAPTURE_HOST_VERSION));
+    QApplication::setApplicationVersion(QStringLiteral(SCREENCAPTURE_VERSION_STR));
     QApplication::setQuitOnLastWindowClosed(false);
 
     // The library expects its settings directory to be there.

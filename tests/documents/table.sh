@@ -5,10 +5,9 @@
 # check_command COMMAND: its comment cut off, and its continuation lines joined.
 check_command() {
     case $1 in
-        ./run) without_display ./run && [ -s out/result.png ] ;;
+        ./run) runs_on_a_bare_machine ;;
         # The suites themselves.
-        ./test) is_suite dev && is_suite asan ;;
-        './test dev') is_suite dev ;;
+        ./test | './test all') is_suite dev && is_suite asan ;;
         # Too long to be run here; that they can be read, and understand what they are given.
         'tools/fuzz 600') bash -n tools/fuzz ;;
         tools/valgrind | tools/monkey | tools/soak) bash -n "$1" ;;
@@ -34,7 +33,7 @@ check_command() {
             [ -s build/package/CPackConfig.cmake ] && grep -q '^cpack --config ' tests/install/packages ;;
         'sudo apt install ./build/packages/*.deb') grep -q 'install \./\*\.deb' tests/install/packages ;;
         build/dev/tests) [ -d "$build/tests" ] ;;
-        'QT_QPA_PLATFORM=xcb tools/with-display '*) run "${1//build\/dev/$build}" ;;
+        'tools/with-display '*) run "${1//build\/dev/$build}" ;;
 
         # The library itself, then programs that use it, some of which have its sources in a folder.
         'cmake -S . -B build'* | 'cmake --install build '*) run_in_place "$1" ;;

@@ -3,10 +3,13 @@
 // when it got the picture.
 #include <QApplication>
 #include <QMouseEvent>
+#include <QPixmap>
+#include <QVersionNumber>
 #include <ScreenCaptureTool.h>
 #include <ScreenCaptureWnd.h>
 #include <code_convert.h>
 #include <myfs.h>
+#include <screencapture_version.h>
 
 static void send(QWidget* widget, QEvent::Type type, const QPoint& p)
 {
@@ -14,16 +17,27 @@ static void send(QWidget* widget, QEvent::Type type, const QPoint& p)
     QApplication::sendEvent(widget, &event);
 }
 
+// The version as a text and as a number.
+static bool isOneVersion()
+{
+    const auto version = QVersionNumber::fromString(SCREENCAPTURE_VERSION_STR);
+    return SCREENCAPTURE_VERSION ==
+           QT_VERSION_CHECK(version.majorVersion(), version.minorVersion(), version.microVersion());
+}
+
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
     myfs::path settings(".");
     settings.append("settings");
-    if (!myfs::create_directory_r(settings) || CodeCvt::utf8_to_utf16("ab").size() != 2)
+    if (!myfs::create_directory_r(settings) || CodeCvt::utf8_to_utf16("ab").size() != 2 ||
+        !isOneVersion())
         return 2;
     ScreenCaptureTool::init(QString::fromStdString(settings.string()));
 
     ScreenCaptureWnd* capture = ScreenCaptureWnd::screenCaptureWnd();
+    if (QPixmap(":/scribble/pen.png").isNull())
+        return 3;
     QObject::connect(capture, &ScreenCaptureWnd::captureFinished, &app,
                      [](const QImage& picture, bool finished) {
                          const bool good = finished && picture.size() == QSize(100, 60);

@@ -82,6 +82,8 @@ ScreenCaptureWnd::~ScreenCaptureWnd()
 
 void ScreenCaptureWnd::init()
 {
+    // The icons of a static library are linked only where something asks for them.
+    Q_INIT_RESOURCE(scribble);
     setCursor(QCursor(QPixmap(":/scribble/cursor.png"), 0, 0));
     grabDesktop();
     initCaptureRect();

@@ -73,7 +73,7 @@ public:
     /// Drops region and tool and starts over on the same desktop picture.
     void reset();
 
-signals:
+Q_SIGNALS:
     /// Emitted exactly once, at the end of a capture: the annotated region and true when the user
     /// finished (the image is null when there was no region), a null image and false when the user
     /// cancelled or the application quits. Hosts may connect to it directly as well: a slot then
@@ -84,7 +84,7 @@ signals:
     /// Never emitted by the window, which stores colours itself; kept for hosts that connect to it.
     void penColorChanged(const QString& penName, const QColor& c);
 
-public slots:
+public Q_SLOTS:
     /// Takes back the last edit; drops the region when there is none left.
     void undo();
     /// Puts the last edit that was taken back in again; nothing when there is none.
