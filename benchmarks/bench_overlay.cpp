@@ -33,8 +33,6 @@ constexpr int kPen = 0;
 constexpr int kMosaic = 5;
 constexpr int kMoves = 120;
 constexpr int kMovesPerSecond = 60;
-constexpr int kSlowMoves = 40;
-constexpr int kSlowMovesPerSecond = 12;
 
 QSize screenSize()
 {
@@ -105,8 +103,7 @@ QPoint onTheWay(const QPoint& from, const QPoint& to, int step)
     return from + (to - from) * (1.0 - part);
 }
 
-double processorTimePerMove(Driver& driver, const QPoint& from, const QPoint& to,
-                            int moves = kMoves, int movesPerSecond = kMovesPerSecond)
+double processorTimePerMove(Driver& driver, const QPoint& from, const QPoint& to)
 {
     double spent = 0;
     const auto now = [&spent](double sign) {
@@ -116,13 +113,13 @@ double processorTimePerMove(Driver& driver, const QPoint& from, const QPoint& to
     driver.moveTo(from);
     driver.settle();
     now(-1);
-    for (int step = 0; step < moves; ++step) {
+    for (int step = 0; step < kMoves; ++step) {
         driver.moveTo(onTheWay(from, to, step));
-        QThread::usleep(1000000UL / unsigned(movesPerSecond));
+        QThread::usleep(1000000UL / kMovesPerSecond);
     }
     driver.settle();
     now(+1);
-    return spent / moves;
+    return spent / kMoves;
 }
 
 void selectThreeQuarters(Driver& driver, const QSize& size)
@@ -184,8 +181,7 @@ double measureIdle(Subject& subject, Driver& driver)
     return result;
 }
 
-double measureStroke(Subject& subject, Driver& driver, int tool, BareOverlay::Kind kind,
-                     int moves = kMoves, int movesPerSecond = kMovesPerSecond)
+double measureStroke(Subject& subject, Driver& driver, int tool, BareOverlay::Kind kind)
 {
     subject.show(kind);
     double result = 0;
@@ -209,8 +205,7 @@ double measureStroke(Subject& subject, Driver& driver, int tool, BareOverlay::Ki
         driver.settle();
         driver.press();
         result = processorTimePerMove(driver, QPoint(size.width() / 8, size.height() / 8),
-                                      QPoint(size.width() * 7 / 8, size.height() * 3 / 4), moves,
-                                      movesPerSecond);
+                                      QPoint(size.width() * 7 / 8, size.height() * 3 / 4));
         driver.release();
     });
     return result;
@@ -443,9 +438,6 @@ int main(int argc, char** argv)
         result = measureStroke(subject, driver, kPen, BareOverlay::WholeWindow);
     else if (what == "pen-changed")
         result = measureStroke(subject, driver, kPen, BareOverlay::Stroke);
-    else if (what == "pen-slow")
-        result = measureStroke(subject, driver, kPen, BareOverlay::WholeWindow, kSlowMoves,
-                               kSlowMovesPerSecond);
     else if (what == "mosaic")
         result = measureStroke(subject, driver, kMosaic, BareOverlay::WholeWindow);
     else if (what == "latency-drag")
