@@ -454,10 +454,18 @@ void ScreenCaptureWnd::updateMainToolBarPos(int extraHeight)
         overlay::mainToolBarPos(m_rectCapture->rect(), m_mainToolBar->size(), extraHeight, rect()));
 }
 
+// Rectangle by rectangle, because Qt clips each pixel of a line to a region of several.
 void ScreenCaptureWnd::paintEvent(QPaintEvent* event)
 {
+    for (const QRect& changed : event->region())
+        paintChanged(changed);
+}
+
+void ScreenCaptureWnd::paintChanged(const QRect& changed)
+{
     QPainter painter(this);
-    paintDesktop(painter, event->region());
+    painter.setClipRect(changed);
+    paintDesktop(painter, changed);
     if (m_rectCapture->isVisible())
         paintRegion(painter);
     else if (!m_grabWindowRect.isNull())
@@ -465,9 +473,9 @@ void ScreenCaptureWnd::paintEvent(QPaintEvent* event)
 }
 
 // What the region covers is left to it, so that each pixel is painted once.
-void ScreenCaptureWnd::paintDesktop(QPainter& painter, const QRegion& changed) const
+void ScreenCaptureWnd::paintDesktop(QPainter& painter, const QRect& changed) const
 {
-    for (const QRect& area : changed - coveredByRegion())
+    for (const QRect& area : QRegion(changed) - coveredByRegion())
         paintDimmed(painter, area);
 }
 
@@ -493,10 +501,11 @@ void ScreenCaptureWnd::paintDimmed(QPainter& painter, const QRect& area) const
         painter.drawImage(area.topLeft(), m_dimmedImage, area);
         return;
     }
+    painter.save();
     painter.setClipRect(area);
     painter.drawImage(0, 0, *m_desktopImage);
     painter.fillRect(area, kDim);
-    painter.setClipping(false);
+    painter.restore();
 }
 
 void ScreenCaptureWnd::paintRegion(QPainter& painter)

@@ -176,7 +176,8 @@ private:
     void endSelection();
     void releaseRightButton(const QPoint& pos);
 
-    void paintDesktop(QPainter& painter, const QRegion& changed) const;
+    void paintChanged(const QRect& changed);
+    void paintDesktop(QPainter& painter, const QRect& changed) const;
     void paintDimmed(QPainter& painter, const QRect& area) const;
     QRect coveredByRegion() const;
     bool isCanvasVisible() const;
