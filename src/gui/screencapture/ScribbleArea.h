@@ -37,7 +37,8 @@ struct ArrowAttribute {
 /// stay editable in their frame until they are committed: by a press outside the frame, a change of
 /// tool, undo(), saveImage() or completeScribble(). Every committed edit can be undone.
 ///
-/// Pictures are 32 bits deep and opaque: undo restores these exactly. GUI thread only.
+/// Pictures are opaque and of QRgb pixels: undo restores these exactly, and the mosaic leaves
+/// others as they are. GUI thread only.
 class ScribbleArea : public QWidget
 {
     Q_OBJECT
