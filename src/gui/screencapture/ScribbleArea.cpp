@@ -578,7 +578,7 @@ void ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
 
 void ScribbleArea::updateMosaicImage()
 {
-    m_mosaicImage = QImage(m_image.size(), QImage::Format_ARGB32);
+    fitToPicture(m_mosaicImage);
     mosaic::makeMosaicImage(m_mosaicImage, m_image, m_mosaicBlur);
 }
 
@@ -589,8 +589,15 @@ void ScribbleArea::onupdateMosaicImage()
 
 void ScribbleArea::resetMosaicTrack()
 {
-    m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
+    fitToPicture(m_mosaicTrack);
     m_mosaicTrack.fill(QColor(0, 0, 0, 0));
+}
+
+// New memory takes longer than everything that is done with it.
+void ScribbleArea::fitToPicture(QImage& image) const
+{
+    if (image.size() != m_image.size())
+        image = QImage(m_image.size(), QImage::Format_ARGB32);
 }
 
 void ScribbleArea::setMosaicBlur(int blur)

@@ -127,6 +127,7 @@ private:
     void updateChanged(const QRect& area);
     void updateMosaicImage();
     void resetMosaicTrack();
+    void fitToPicture(QImage& image) const;
     void setMosaicCursorRadius(int size);
 
     void dragFrame(const QPoint& pos);
