@@ -12,6 +12,13 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+struct ScreenCaptureWndAccess {
+    static void setDesktop(ScreenCaptureWnd* window, const QImage& desktop)
+    {
+        *window->m_desktopImage = desktop;
+    }
+};
+
 namespace
 {
 
@@ -75,6 +82,7 @@ private slots:
     void pressInTheRegionShowsTheLoupeOnlyForHandles();
     void regionMovesAndResizesAfterItStands();
     void loupeFollowsTheCursorOnlyWhileVisible();
+    void loupeForgetsTheHandleOfADroppedRegion();
     void loupeFlipsAtTheEdges_data();
     void loupeFlipsAtTheEdges();
     void rightClick_data();
@@ -562,6 +570,29 @@ void tst_ScreenCaptureWnd::loupeFollowsTheCursorOnlyWhileVisible()
     const QPoint left = capture.loupe()->pos();
     capture.move(QPoint(60, 70), Qt::NoButton);
     QCOMPARE(capture.loupe()->pos(), left);
+}
+
+// Whether the loupe shows the pixels around the pointer does not depend on an earlier region.
+void tst_ScreenCaptureWnd::loupeForgetsTheHandleOfADroppedRegion()
+{
+    constexpr QPoint pointer(500, 400);
+    const auto shownAfter = [pointer](bool handleDragged) {
+        CaptureProbe capture;
+        QImage desktop(800, 600, QImage::Format_RGB32);
+        for (int y = 0; y < desktop.height(); ++y) {
+            for (int x = 0; x < desktop.width(); ++x)
+                desktop.setPixel(x, y, qRgb(x / 4, y / 4, x % 4 * 4 + y % 4));
+        }
+        ScreenCaptureWndAccess::setDesktop(capture.window(), desktop);
+        capture.window()->showFullDesktop(true);
+        capture.drag(QPoint(100, 100), QPoint(300, 250));
+        if (handleDragged)
+            capture.drag(QPoint(300, 250), QPoint(320, 270));
+        capture.window()->reset();
+        capture.move(pointer, Qt::NoButton);
+        return capture.loupe()->grab().toImage();
+    };
+    QCOMPARE(shownAfter(true), shownAfter(false));
 }
 
 void tst_ScreenCaptureWnd::loupeFlipsAtTheEdges_data()

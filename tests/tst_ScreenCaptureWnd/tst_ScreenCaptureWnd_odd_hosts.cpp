@@ -98,6 +98,8 @@ private slots:
     void callsWhileTheSaveDialogIsOpen_data();
     void callsWhileTheSaveDialogIsOpen();
     void callsSlotsBeforeThereIsARegion();
+    void undoesInTheMiddleOfTheFirstShape();
+    void hidesAndShowsTheWindowInItsSlot();
 
 private:
     void connectDirectly();
@@ -545,6 +547,41 @@ void tst_ScreenCaptureWnd_odd_hosts::callsSlotsBeforeThereIsARegion()
     deliver();
     QCOMPARE(m_receiver->count, 1);
     QCOMPARE(m_receiver->image, m_selected);
+}
+
+// As the shortcut does while the button is held. The shape goes with its region.
+void tst_ScreenCaptureWnd_odd_hosts::undoesInTheMiddleOfTheFirstShape()
+{
+    ScreenCaptureWnd* window = m_capture->window();
+    const auto chooseRectangle = [&] {
+        m_capture->toolBar()->findChildren<QPushButton*>().at(3)->click();
+        return window->findChild<ScribbleArea*>();
+    };
+    ScribbleArea* canvas = chooseRectangle();
+    QTest::mousePress(canvas, Qt::LeftButton, {}, QPoint(30, 30));
+    QMouseEvent move(QEvent::MouseMove, QPoint(90, 80), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(canvas, &move);
+    window->undo();
+    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    chooseRectangle();
+    const QImage picture = window->scribbledImage();
+    // What a shape without a frame leaves in the corner is there also without the undo.
+    const QRect shape(QPoint(20, 20), QPoint(100, 90));
+    QCOMPARE(picture.copy(shape), m_selected.copy(shape));
+}
+
+void tst_ScreenCaptureWnd_odd_hosts::hidesAndShowsTheWindowInItsSlot()
+{
+    connectDirectly();
+    m_receiver->then = [&] {
+        m_receiver->then = nullptr;
+        m_capture->window()->hide();
+        m_capture->window()->show();
+        m_capture->window()->reject();
+    };
+    m_capture->window()->accept();
+    QCOMPARE(m_receiver->count, 1);
 }
 
 QTEST_MAIN(tst_ScreenCaptureWnd_odd_hosts)

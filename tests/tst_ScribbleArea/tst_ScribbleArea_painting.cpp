@@ -96,6 +96,8 @@ private slots:
     void undoAndRedoRepaintThePicture();
     void newPictureRepaintsEverything();
     void shapePensRepaintEverything();
+    void shapeWithoutAFrameIsRepaintedByItsTool();
+    void shapeWithoutAFrameIsRepaintedByThePress();
     void firstMoveAndReleaseRepaintAllOfTheParent_data();
     void firstMoveAndReleaseRepaintAllOfTheParent();
     void laterMovesOfAStrokeRepaintWhatChanged_data();
@@ -196,6 +198,40 @@ void tst_ScribbleArea_painting::newPictureRepaintsEverything()
     QVERIFY(QTest::qWaitForWindowExposed(&canvas));
     QCOMPARE(canvas.repaintedBy([&] { canvas.setImage(picture()); }), QRegion(canvas.rect()));
     QCOMPARE(canvas.repaintedBy([&] { canvas.clearImage(); }), QRegion(canvas.rect()));
+}
+
+// What a commit leaves in the canvas's corner goes with the tool.
+void tst_ScribbleArea_painting::shapeWithoutAFrameIsRepaintedByItsTool()
+{
+    Watched<Canvas> canvas;
+    QPen pen = canvas.rectPen();
+    pen.setWidth(9);
+    canvas.setRectPen(pen);
+    canvas.setPaintTypeToGraph();
+    canvas.setGraphState(ScribbleArea::GRAPH_RECT);
+    canvas.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&canvas));
+    canvas.drag(kFrom, kTo);
+    canvas.undo();
+    QVERIFY(paintedBy(canvas) != nothing());
+    const QRegion repainted = canvas.repaintedBy([&] { canvas.setPaintTypeToScribble(); });
+    QCOMPARE(paintedBy(canvas), nothing());
+    QVERIFY(repainted.contains(QPoint(0, 0)));
+}
+
+// The press turns the arrow round, whose ends are on the corners of the null rectangle.
+void tst_ScribbleArea_painting::shapeWithoutAFrameIsRepaintedByThePress()
+{
+    Watched<Canvas> canvas;
+    canvas.setPaintTypeToGraph();
+    canvas.setGraphState(ScribbleArea::GRAPH_ARROW);
+    canvas.initArrow();
+    canvas.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&canvas));
+    const QImage before = paintedBy(canvas);
+    const QRegion repainted = canvas.repaintedBy([&] { canvas.press(kFrom); });
+    QVERIFY(paintedBy(canvas) != before);
+    QVERIFY(!repainted.isEmpty());
 }
 
 void tst_ScribbleArea_painting::shapePensRepaintEverything()

@@ -51,6 +51,7 @@ private slots:
     void fontSizeAppliesToWhatIsTypedAlready();
     void colourAppliesToWhatIsTypedNext();
     void colourAndSizeSurviveIntoTheNextText();
+    void colourSurvivesErasingWhatWasTyped();
 };
 
 void tst_ScribbleArea_text::textBoxSettings()
@@ -292,6 +293,20 @@ void tst_ScribbleArea_text::colourAndSizeSurviveIntoTheNextText()
     canvas.completeScribble();
     canvas.undo();
     startText(canvas);
+    QTest::keyClicks(canvas.textBox(), "two");
+    canvas.completeScribble();
+    QCOMPARE(canvas.image(), withText(picture(), kBox, fontOf(20), {{"two", Qt::red}}));
+}
+
+void tst_ScribbleArea_text::colourSurvivesErasingWhatWasTyped()
+{
+    Canvas canvas;
+    QVERIFY(isActive(canvas));
+    canvas.setTextFontSize(20);
+    canvas.setTextColor(Qt::red);
+    startText(canvas);
+    QTest::keyClicks(canvas.textBox(), "o");
+    QTest::keyClick(canvas.textBox(), Qt::Key_Backspace);
     QTest::keyClicks(canvas.textBox(), "two");
     canvas.completeScribble();
     QCOMPARE(canvas.image(), withText(picture(), kBox, fontOf(20), {{"two", Qt::red}}));
