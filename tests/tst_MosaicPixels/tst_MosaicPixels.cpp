@@ -64,7 +64,6 @@ private slots:
     void picturesInOtherFormatsAreConverted();
     void blockLargerThanThePicture();
     void blocksOfMoreThan16BitSums();
-    void blockOfMoreThan32BitSums();
     void nothingIsWrittenBesideThePicture();
     void emptyPictureIsHarmless();
     void nothingIsCopiedInOtherFormats_data();
@@ -181,16 +180,6 @@ void tst_MosaicPixels::blocksOfMoreThan16BitSums()
         mosaic::makeMosaicImage(dst, white, block);
         QCOMPARE(dst, white.convertToFormat(dst.format()));
     }
-}
-
-void tst_MosaicPixels::blockOfMoreThan32BitSums()
-{
-    constexpr int kHeight = 17000000;
-    QImage white(1, kHeight, QImage::Format_RGB32);
-    white.fill(Qt::white);
-    QImage dst(white.size(), QImage::Format_ARGB32);
-    mosaic::makeMosaicImage(dst, white, kHeight);
-    QCOMPARE(dst.pixel(0, kHeight - 1), qRgb(255, 255, 255));
 }
 
 // The rows of a picture within a larger one.

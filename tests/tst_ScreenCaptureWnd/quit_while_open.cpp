@@ -22,8 +22,8 @@ void countMessages(QtMsgType /*type*/, const QMessageLogContext& /*context*/, co
 
 } // namespace
 
-/// An application that ends in the middle of a capture: nothing is printed nothing crashes, and the
-/// window goes while the application still stands.
+/// An application that ends in the middle of a capture: nothing is printed, nothing crashes, and
+/// the window goes while the application still stands.
 int main(int argc, char** argv)
 {
     qInstallMessageHandler(countMessages);

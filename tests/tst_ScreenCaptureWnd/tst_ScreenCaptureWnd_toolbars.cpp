@@ -95,6 +95,8 @@ void tst_ScreenCaptureWnd_toolbars::barsAreHiddenWhiteChildren()
     QCOMPARE(bar->metaObject()->className(), "QWidget");
     QVERIFY(bar->isHidden());
     QCOMPARE(bar->styleSheet(), QString("background:rgba(255,255,255,100%)"));
+    // Opaque, so that the window beneath does not paint it with each move of the region.
+    QVERIFY(bar->autoFillBackground());
     QVERIFY(bar->testAttribute(Qt::WA_SetCursor));
     QCOMPARE(bar->cursor().shape(), Qt::ArrowCursor);
     QVERIFY(qobject_cast<QHBoxLayout*>(bar->layout()));

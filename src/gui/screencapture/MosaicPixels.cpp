@@ -35,12 +35,15 @@ std::vector<Sum> sumsOf(const QImage& image, const QRect& rect)
     return sums;
 }
 
-/// One half more than the sum keeps the product on the right side of the whole numbers, however it
-/// is rounded.
-template <typename Sum>
-QRgb averageOf(const Sum* sums, int columns, int rows)
+double shareOfAPixel(int columns, int rows)
 {
-    const double share = 1.0 / (double(columns) * rows);
+    return 1.0 / (double(columns) * rows);
+}
+
+/// Half more than the sum, so that a whole average does not fall short by rounding.
+template <typename Sum>
+QRgb averageOf(const Sum* sums, int columns, double share)
+{
     double totals[kBytesPerPixel] = {0.5, 0.5, 0.5, 0.5};
     for (int x = 0; x < columns; ++x, sums += kBytesPerPixel) {
         for (size_t i = 0; i < kBytesPerPixel; ++i)
@@ -63,11 +66,16 @@ void pixelate(QImage& dst, const QImage& src, int blockSize)
         const int rows = std::min(blockSize, src.height() - y);
         const std::vector<Sum> sums = sumsOf<Sum>(src, QRect(0, y, width, rows));
         auto* first = reinterpret_cast<QRgb*>(dst.scanLine(y));
-        for (int x = 0; x < width; x += blockSize) {
-            const int columns = std::min(blockSize, width - x);
+        const auto fillBlock = [&](int x, int columns, double share) {
             std::fill_n(first + x, columns,
-                        averageOf(&sums[size_t(x) * kBytesPerPixel], columns, rows));
-        }
+                        averageOf(&sums[size_t(x) * kBytesPerPixel], columns, share));
+        };
+        const double share = shareOfAPixel(blockSize, rows);
+        int x = 0;
+        for (; width - x >= blockSize; x += blockSize)
+            fillBlock(x, blockSize, share);
+        if (x < width)
+            fillBlock(x, width - x, shareOfAPixel(width - x, rows));
         for (int row = 1; row < rows; ++row)
             std::memcpy(dst.scanLine(y + row), first, size_t(width) * kBytesPerPixel);
     }
@@ -80,7 +88,8 @@ namespace mosaic
 
 QRgb makeMosaicColor(const QImage& image, const QRect& rect)
 {
-    return averageOf(sumsOf<quint64>(image, rect).data(), rect.width(), rect.height());
+    return averageOf(sumsOf<quint64>(image, rect).data(), rect.width(),
+                     shareOfAPixel(rect.width(), rect.height()));
 }
 
 void makeMosaicImage(QImage& dst, const QImage& src, int blockSize)

@@ -18,6 +18,7 @@
 #include <QPixmap>
 #include <QPushButton>
 #include <QScreen>
+#include <QShowEvent>
 
 namespace
 {
@@ -63,9 +64,8 @@ ScreenCaptureWnd::ScreenCaptureWnd()
     // Keys come here, and not to a button of a hidden tool bar, until a visible widget has the
     // focus.
     setFocusPolicy(Qt::TabFocus);
-    // Nobody else ends a capture in whose middle the application quits, and deletes its window.
+    // Nobody else ends a capture in whose middle the application quits.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &ScreenCaptureWnd::reject);
-    connect(qApp, &QCoreApplication::aboutToQuit, this, &QObject::deleteLater);
     init();
 }
 
@@ -281,7 +281,8 @@ void ScreenCaptureWnd::reject()
 // A host that keeps the window and shows it again takes another capture with it.
 void ScreenCaptureWnd::showEvent(QShowEvent* event)
 {
-    m_ended = false;
+    if (!event->spontaneous())
+        m_ended = false;
     QDialog::showEvent(event);
 }
 
@@ -337,7 +338,7 @@ void ScreenCaptureWnd::mousePressEvent(QMouseEvent* event)
         startSelection(event->pos());
     } else if (m_state == StateSelected) {
         updateMagnifier(event->pos());
-        m_magnifier->setVisible(m_rectCapture->mousePressSection() >= ResizableRect::SECTION_LEFT);
+        m_magnifier->setVisible(draggedSection() >= ResizableRect::SECTION_LEFT);
     }
 }
 
@@ -413,10 +414,16 @@ void ScreenCaptureWnd::mouseDoubleClickEvent(QMouseEvent* event)
 
 void ScreenCaptureWnd::updateMagnifier(const QPoint& pos)
 {
-    const QPoint p =
-        overlay::pointOfInterest(pos, m_rectCapture->mousePressSection(), m_rectCapture->rect());
+    const QPoint p = overlay::pointOfInterest(pos, draggedSection(), m_rectCapture->rect());
     m_magnifier->setOrigImage(m_desktopImage->copy(overlay::loupeSource(p)));
     m_magnifier->move(overlay::loupePos(pos, size()));
+}
+
+// The rectangle remembers its last press also when the region of that press is gone.
+int ScreenCaptureWnd::draggedSection() const
+{
+    const bool regionStands = m_state == StateSelected && m_rectCapture->isVisible();
+    return regionStands ? m_rectCapture->mousePressSection() : ResizableRect::SECTION_OUTSIDE;
 }
 
 void ScreenCaptureWnd::updateMagnifierAtCursor()

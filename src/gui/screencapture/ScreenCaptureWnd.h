@@ -153,6 +153,7 @@ private:
     void deliver(const QImage& image, bool finished);
     void putCanvasAway();
     void updateMagnifier(const QPoint& pos);
+    int draggedSection() const;
     void updateMagnifierAtCursor();
     QRect makeGrabWholeWindowRect(const QPoint& globalPos);
     void updateGrabWindowRect(const QPoint& globalPos);

@@ -142,6 +142,10 @@ void ScribbleArea::setImage(const QImage& image)
 void ScribbleArea::reset()
 {
     setPaintTypeToScribble();
+    // A shape in the middle of its drag goes with its picture.
+    if (m_creatingGraph)
+        m_resizableRect->setRect(QRect());
+    m_creatingGraph = false;
     m_modified = false;
     clearDiffRect();
 }
@@ -185,6 +189,7 @@ void ScribbleArea::setPaintType(PAINT_TYPE type)
         finishResizableRect();
     m_paintType = type;
     m_resizableRect->setGraphPenWidth(type == PAINT_GRAPH ? currentGraphPen().width() : 0);
+    update();
 }
 
 void ScribbleArea::setPaintTypeToScribble()
@@ -289,6 +294,7 @@ void ScribbleArea::mousePressEvent(QMouseEvent* event)
             initArrow();
             m_resizableRect->setArrowTail(m_lastPoint);
             m_resizableRect->setArrowHead(m_lastPoint);
+            updateFrame();
         }
     }
 
@@ -532,6 +538,10 @@ void ScribbleArea::setTextColor(const QColor& color)
 {
     ensureTextEdit();
     m_textEdit->setTextColor(color);
+    // A box whose text was erased takes the palette's.
+    QPalette palette = m_textEdit->palette();
+    palette.setColor(QPalette::Text, color);
+    m_textEdit->setPalette(palette);
     m_textEdit->update();
 }
 
@@ -567,6 +577,7 @@ void ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
         else
             painter.drawLine(from, to);
     });
+    m_mosaicTracked |= area;
 
     // Intended: the bounds are the widget's, and the last column and row of the area are left out.
     const QPoint first(qMax(area.left(), 0), qMax(area.top(), 0));
@@ -578,7 +589,8 @@ void ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
 
 void ScribbleArea::updateMosaicImage()
 {
-    fitToPicture(m_mosaicImage);
+    if (m_mosaicImage.size() != m_image.size())
+        m_mosaicImage = QImage(m_image.size(), QImage::Format_ARGB32);
     mosaic::makeMosaicImage(m_mosaicImage, m_image, m_mosaicBlur);
 }
 
@@ -589,15 +601,15 @@ void ScribbleArea::onupdateMosaicImage()
 
 void ScribbleArea::resetMosaicTrack()
 {
-    fitToPicture(m_mosaicTrack);
-    m_mosaicTrack.fill(QColor(0, 0, 0, 0));
-}
-
-// New memory takes longer than everything that is done with it.
-void ScribbleArea::fitToPicture(QImage& image) const
-{
-    if (image.size() != m_image.size())
-        image = QImage(m_image.size(), QImage::Format_ARGB32);
+    if (m_mosaicTrack.size() != m_image.size()) {
+        m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
+        m_mosaicTracked = m_mosaicTrack.rect();
+    }
+    drawOn(m_mosaicTrack, [this](QPainter& painter) {
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(m_mosaicTracked, Qt::transparent);
+    });
+    m_mosaicTracked = QRect();
 }
 
 void ScribbleArea::setMosaicBlur(int blur)

@@ -127,7 +127,6 @@ private:
     void updateChanged(const QRect& area);
     void updateMosaicImage();
     void resetMosaicTrack();
-    void fitToPicture(QImage& image) const;
     void setMosaicCursorRadius(int size);
 
     void dragFrame(const QPoint& pos);
@@ -160,9 +159,11 @@ private:
     int m_mosaicPenWidth = 16;
     QImage m_mosaicImage;
     QImage m_mosaicTrack;
+    /// Where the track may hold something.
+    QRect m_mosaicTracked;
     QTimer m_mosaicTimer;
     QPoint m_lastPoint;
-    /// Since the left press.
+    /// A move came since the left press.
     bool m_moved = false;
     bool m_creatingGraph = false;
     bool m_pressOutsideRect = false;
