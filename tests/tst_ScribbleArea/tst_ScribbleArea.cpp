@@ -16,6 +16,8 @@ private slots:
     void strokeIsDrawnIntoThePicture();
     void clickLeavesADot_data();
     void clickLeavesADot();
+    void segmentWithoutLengthIsDrawnAsALine_data();
+    void segmentWithoutLengthIsDrawnAsALine();
     void motionlessEndOfAStrokeAddsNothing();
     void strokeGoesOnWithoutAPress();
     void otherButtonsDrawNothing();
@@ -176,6 +178,40 @@ void tst_ScribbleArea::otherButtonsLeaveTheStrokeAlone()
                  painter.drawLine(100, 20, 100, 40);
              }));
     QCOMPARE(canvas.history().size(), 1);
+}
+
+void tst_ScribbleArea::segmentWithoutLengthIsDrawnAsALine_data()
+{
+    QTest::addColumn<Qt::PenCapStyle>("cap");
+    QTest::addColumn<int>("width");
+    QTest::addColumn<QPoint>("from");
+    const QPoint end(60, 70);
+    QTest::newRow("square, inside a stroke") << Qt::SquareCap << 6 << QPoint(20, 30);
+    QTest::newRow("flat, inside a stroke") << Qt::FlatCap << 6 << QPoint(20, 30);
+    QTest::newRow("round, inside a stroke") << Qt::RoundCap << 1 << QPoint(20, 30);
+    QTest::newRow("square, alone") << Qt::SquareCap << 6 << end;
+    QTest::newRow("flat, alone") << Qt::FlatCap << 6 << end;
+}
+
+void tst_ScribbleArea::segmentWithoutLengthIsDrawnAsALine()
+{
+    QFETCH(Qt::PenCapStyle, cap);
+    QFETCH(int, width);
+    QFETCH(QPoint, from);
+    const QPoint end(60, 70);
+    const QPen pen(QBrush(QColor(0, 0, 255, 100)), width, Qt::SolidLine, cap, Qt::RoundJoin);
+    Canvas canvas;
+    canvas.setScribblePen(pen);
+    canvas.press(from);
+    canvas.move(end);
+    canvas.move(end);
+    canvas.release(end);
+    QCOMPARE(canvas.image(), drawnOn(picture(), [&](QPainter& painter) {
+                 painter.setPen(pen);
+                 painter.drawLine(from, end);
+                 painter.drawLine(end, end);
+                 painter.drawLine(end, end);
+             }));
 }
 
 void tst_ScribbleArea::saveInTheMiddleOfAStrokeLeavesNoDot()
