@@ -66,16 +66,14 @@ void pixelate(QImage& dst, const QImage& src, int blockSize)
         const int rows = std::min(blockSize, src.height() - y);
         const std::vector<Sum> sums = sumsOf<Sum>(src, QRect(0, y, width, rows));
         auto* first = reinterpret_cast<QRgb*>(dst.scanLine(y));
-        const auto fillBlock = [&](int x, int columns, double share) {
-            std::fill_n(first + x, columns,
-                        averageOf(&sums[size_t(x) * kBytesPerPixel], columns, share));
-        };
+        const Sum* sum = sums.data();
         const double share = shareOfAPixel(blockSize, rows);
         int x = 0;
-        for (; width - x >= blockSize; x += blockSize)
-            fillBlock(x, blockSize, share);
-        if (x < width)
-            fillBlock(x, width - x, shareOfAPixel(width - x, rows));
+        for (; width - x >= blockSize; x += blockSize, sum += blockSize * kBytesPerPixel)
+            std::fill_n(first + x, blockSize, averageOf(sum, blockSize, share));
+        const int rest = width - x;
+        if (rest > 0)
+            std::fill_n(first + x, rest, averageOf(sum, rest, shareOfAPixel(rest, rows)));
         for (int row = 1; row < rows; ++row)
             std::memcpy(dst.scanLine(y + row), first, size_t(width) * kBytesPerPixel);
     }
