@@ -23,6 +23,13 @@ Path movesAlong(const Path& path)
     return moves;
 }
 
+void setPenWidth(const ToolBarsProbe& bars, MainItem tool, int width)
+{
+    QPen pen = bars.pen(tool);
+    pen.setWidth(width);
+    bars.setPen(tool, pen);
+}
+
 /// All of the window, painted anew beside the screen.
 QImage paintedAnew(QWidget& window)
 {
@@ -107,9 +114,7 @@ void tst_ScreenCaptureWnd_repainting::dragLeavesNothingBehind()
         bars.window()->showFullDesktop(true);
         QVERIFY(QTest::qWaitForWindowExposed(bars.window()));
         bars.annotate(kRegion, tool);
-        QPen pen = bars.pen(tool);
-        pen.setWidth(penWidth);
-        bars.setPen(tool, pen);
+        setPenWidth(bars, tool, penWidth);
         drag(bars, path, movesBetweenLooks);
     }
 }
@@ -138,9 +143,7 @@ void tst_ScreenCaptureWnd_repainting::shownShapeLeavesNothingBehind()
         QVERIFY(QTest::qWaitForWindowExposed(bars.window()));
         bars.annotate(kRegion, tool);
         drag(bars, {{100, 150}, {300, 152}}, movesBetweenLooks);
-        QPen pen = bars.pen(tool);
-        pen.setWidth(21);
-        bars.setPen(tool, pen);
+        setPenWidth(bars, tool, 21);
         drag(bars, path, movesBetweenLooks);
         bars.choose(Scribble);
         QCoreApplication::processEvents();

@@ -12,17 +12,11 @@ constexpr QRgb kOpaque = 0xff000000u;
 constexpr QRgb kColorMask = 0x00ffffffu;
 constexpr int kColors = 3;
 constexpr size_t kBytesPerPixel = 4;
-/// So many bytes fit into a 16-bit sum.
+// So many bytes fit into a 16-bit sum.
 constexpr int kMostRowsOf16BitSums = 257;
 
-bool holdsQRgb(const QImage& image)
-{
-    return image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32 ||
-           image.format() == QImage::Format_ARGB32_Premultiplied;
-}
-
-/// A sum for each byte of a row of pixels, over all rows of `rect`. Byte by byte, since compilers
-/// turn such a loop into vector instructions.
+// A sum for each byte of a row of pixels, over all rows of `rect`. Byte by byte, since compilers
+// turn such a loop into vector instructions.
 template <typename Sum>
 std::vector<Sum> sumsOf(const QImage& image, const QRect& rect)
 {
@@ -40,7 +34,7 @@ double shareOfAPixel(int columns, int rows)
     return 1.0 / (double(columns) * rows);
 }
 
-/// Half more than the sum, so that a whole average does not fall short by rounding.
+// Half more than the sum, so that a whole average does not fall short by rounding.
 template <typename Sum>
 QRgb averageOf(const Sum* sums, int columns, double share)
 {
@@ -57,7 +51,7 @@ QRgb averageOf(const Sum* sums, int columns, double share)
     return average;
 }
 
-/// One row of blocks at a time: averaged into its first row of pixels, which is then repeated.
+// One row of blocks at a time: averaged into its first row of pixels, which is then repeated.
 template <typename Sum>
 void pixelate(QImage& dst, const QImage& src, int blockSize)
 {
@@ -84,6 +78,12 @@ void pixelate(QImage& dst, const QImage& src, int blockSize)
 namespace mosaic
 {
 
+bool holdsQRgb(const QImage& image)
+{
+    return image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32 ||
+           image.format() == QImage::Format_ARGB32_Premultiplied;
+}
+
 QRgb makeMosaicColor(const QImage& image, const QRect& rect)
 {
     return averageOf(sumsOf<quint64>(image, rect).data(), rect.width(),
@@ -96,16 +96,11 @@ void makeMosaicImage(QImage& dst, const QImage& src, int blockSize)
     if (dst.isNull())
         return;
     Q_ASSERT(dst.size() == src.size() && holdsQRgb(dst));
-    if (!holdsQRgb(src)) {
-        const QImage converted = src.convertToFormat(QImage::Format_ARGB32);
-        // Null without memory for it.
-        if (!converted.isNull())
-            makeMosaicImage(dst, converted, blockSize);
-    } else if (blockSize <= kMostRowsOf16BitSums) {
-        pixelate<quint16>(dst, src, blockSize);
-    } else {
-        pixelate<quint64>(dst, src, blockSize);
-    }
+    const QImage pixels = holdsQRgb(src) ? src : src.convertToFormat(QImage::Format_ARGB32);
+    if (blockSize <= kMostRowsOf16BitSums)
+        pixelate<quint16>(dst, pixels, blockSize);
+    else
+        pixelate<quint64>(dst, pixels, blockSize);
 }
 
 void copyWhereWhite(QImage& dst, const QImage& src, const QImage& mask, const QRect& area)

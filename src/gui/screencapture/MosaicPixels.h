@@ -11,6 +11,9 @@
 namespace mosaic
 {
 
+/// Whether the pixels of `image` are QRgb.
+bool holdsQRgb(const QImage& image);
+
 /// The average colour of `rect`, which must lie inside `image`: opaque, each channel truncated.
 QRgb makeMosaicColor(const QImage& image, const QRect& rect);
 

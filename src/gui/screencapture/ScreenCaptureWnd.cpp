@@ -2,6 +2,7 @@
 #include "ScreenCaptureWnd.h"
 
 #include "MagnifierWidget.h"
+#include "MosaicPixels.h"
 #include "OverlayGeometry.h"
 #include "ResizableRect.h"
 #include "ScribbleArea.h"
@@ -33,14 +34,7 @@ const char* const kSelectionColor = "#00aacc";
 // The mosaic works on 8 bits a channel, which not every display has.
 QImage in8BitsAChannel(const QImage& image)
 {
-    switch (image.format()) {
-    case QImage::Format_RGB32:
-    case QImage::Format_ARGB32:
-    case QImage::Format_ARGB32_Premultiplied:
-        return image;
-    default:
-        return image.convertToFormat(QImage::Format_RGB32);
-    }
+    return mosaic::holdsQRgb(image) ? image : image.convertToFormat(QImage::Format_RGB32);
 }
 
 } // namespace

@@ -38,8 +38,8 @@ struct ScreenCaptureToolColors;
 /// itself: a host keeps no pointer to it across the end of a capture. A host that clears
 /// Qt::WA_DeleteOnClose keeps the window instead, and takes another capture of the same picture by
 /// showing it again. The window's end is never taken for that of the last window, with which Qt
-/// ends an application. GUI thread only, with a
-/// QApplication; nothing is thrown, and a desktop that cannot be grabbed gives a null picture.
+/// ends an application. GUI thread only, with a QApplication; nothing is thrown, and a desktop that
+/// cannot be grabbed gives a null picture.
 class SCREENCAPTURE_EXPORT ScreenCaptureWnd : public QDialog
 {
     Q_OBJECT

@@ -57,7 +57,7 @@ void drawOn(QImage& picture, Draw draw)
     draw(painter);
 }
 
-/// An arrow from `points.topLeft()` to `points.bottomRight()`, as two triangles.
+// An arrow from `points.topLeft()` to `points.bottomRight()`, as two triangles.
 struct Arrow {
     Arrow(const QRect& points, const ArrowAttribute& attribute);
     QRect boundingRect() const;
