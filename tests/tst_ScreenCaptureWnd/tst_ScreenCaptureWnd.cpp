@@ -74,6 +74,8 @@ private slots:
     void bandShowsFromThreePixelsOn_data();
     void bandShowsFromThreePixelsOn();
     void bandRepaintsOnlyWhereItIs();
+    void changedRectanglesArePaintedOnce_data();
+    void changedRectanglesArePaintedOnce();
     void bandStaysVisibleWhenDraggedBack();
     void dragInAnyDirectionIsNormalized();
     void clickWithoutDragShowsTheToolBar();
@@ -465,6 +467,44 @@ void tst_ScreenCaptureWnd::bandRepaintsOnlyWhereItIs()
     QTRY_VERIFY(paints.count > 0);
     QVERIFY(paints.area.contains(kTo));
     QVERIFY(!paints.area.contains(kFarOutside));
+}
+
+void tst_ScreenCaptureWnd::changedRectanglesArePaintedOnce_data()
+{
+    QTest::addColumn<QSize>("desktopSize");
+    QTest::newRow("desktop as large as the window") << QSize(400, 300);
+    QTest::newRow("smaller desktop") << QSize(250, 150);
+}
+
+// The size label is translucent, and darker where it is painted twice.
+void tst_ScreenCaptureWnd::changedRectanglesArePaintedOnce()
+{
+    QFETCH(QSize, desktopSize);
+    QImage desktop(desktopSize, QImage::Format_RGB32);
+    desktop.fill(QColor(200, 150, 100));
+    CaptureProbe capture;
+    capture.window()->setGeometry(0, 0, 400, 300);
+    ScreenCaptureWndAccess::setDesktop(capture.window(), desktop);
+    const QRect region(QPoint(60, 60), QPoint(300, 200));
+    capture.drag(region.topLeft(), region.bottomRight());
+
+    QImage expected(400, 300, QImage::Format_RGB32);
+    expected.fill(Qt::black);
+    QPainter painter(&expected);
+    painter.drawImage(0, 0, desktop);
+    painter.fillRect(expected.rect(), QColor(0, 0, 0, 100));
+    painter.drawImage(region.topLeft(), desktop.copy(region));
+    capture.region()->render(painter);
+    // With a hole, so that the rest is several rectangles.
+    const QRect hole(350, 250, 20, 20);
+    painter.fillRect(hole, Qt::black);
+    painter.end();
+
+    QImage actual(400, 300, QImage::Format_RGB32);
+    actual.fill(Qt::black);
+    capture.window()->render(&actual, QPoint(), QRegion(expected.rect()) - hole,
+                             QWidget::RenderFlags());
+    QCOMPARE(actual, expected);
 }
 
 void tst_ScreenCaptureWnd::bandStaysVisibleWhenDraggedBack()
