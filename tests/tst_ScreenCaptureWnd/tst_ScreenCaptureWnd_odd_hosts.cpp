@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QtTest/qtestspontaneevent.h>
 #include <functional>
 
 struct ScreenCaptureWndAccess {
@@ -84,6 +85,7 @@ private slots:
     void keepsTheWindowAndShowsItAgain_data();
     void keepsTheWindowAndShowsItAgain();
     void keepsTheWindowThatSaved();
+    void isRestoredByTheDesktopInItsSlot();
     void deletesItsReceiverInItsSlot_data();
     void deletesItsReceiverInItsSlot();
     void deletesTheWindowInItsSlot_data();
@@ -292,6 +294,22 @@ void tst_ScreenCaptureWnd_odd_hosts::keepsTheWindowThatSaved()
     deliver();
     QVERIFY(!m_capture->isGone());
     QVERIFY(!m_capture->window()->testAttribute(Qt::WA_DeleteOnClose));
+    QCOMPARE(m_receiver->count, 1);
+}
+
+// A window that is minimised and comes back is not shown for another capture.
+void tst_ScreenCaptureWnd_odd_hosts::isRestoredByTheDesktopInItsSlot()
+{
+    connectDirectly();
+    m_receiver->then = [&] {
+        if (m_receiver->count > 1)
+            return;
+        QShowEvent restored;
+        QSpontaneKeyEvent::setSpontaneous(&restored);
+        qApp->notify(m_capture->window(), &restored);
+        m_capture->window()->reject();
+    };
+    m_capture->window()->accept();
     QCOMPARE(m_receiver->count, 1);
 }
 
