@@ -45,6 +45,7 @@ class tst_ScreenCaptureWnd_repainting : public BehaviourTest
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void dragLeavesNothingBehind_data();
     void dragLeavesNothingBehind();
     void shownShapeLeavesNothingBehind_data();
@@ -54,6 +55,12 @@ private:
     /// Drags along `path` and compares the screen whenever `moves` moves were made.
     void drag(const ToolBarsProbe& bars, const Path& path, int moves);
 };
+
+// A text cursor that blinks between two looks at the window differs in them.
+void tst_ScreenCaptureWnd_repainting::initTestCase()
+{
+    QApplication::setCursorFlashTime(0);
+}
 
 void tst_ScreenCaptureWnd_repainting::drag(const ToolBarsProbe& bars, const Path& path, int moves)
 {
