@@ -106,8 +106,10 @@ private slots:
     void toolIsApplied_data();
     void toolIsApplied();
     void arrowStartsInItsLayout();
-    void firstCheckedToolWins_data();
-    void firstCheckedToolWins();
+    void firstCheckedToolIsUsed_data();
+    void firstCheckedToolIsUsed();
+    void settingsGoToTheFirstCheckedTool_data();
+    void settingsGoToTheFirstCheckedTool();
     void settingsOfThePenAreShown_data();
     void settingsOfThePenAreShown();
     void textLeavesPaletteAndWidth();
@@ -145,6 +147,7 @@ private:
     /// Makes the region, and puts a tool in the hand.
     void annotate(MainItem tool) { m_capture->annotate(kRegion, tool); }
     static void eachTool();
+    static void eachPairIn(const Items& order);
 
     QScopedPointer<QTemporaryDir> m_settings;
     QScopedPointer<ToolBarsProbe> m_capture;
@@ -173,6 +176,17 @@ void tst_ScreenCaptureWnd_tools::eachTool()
     QTest::addColumn<MainItem>("tool");
     for (const MainItem tool : kTools)
         QTest::newRow(nameOf(tool)) << tool;
+}
+
+void tst_ScreenCaptureWnd_tools::eachPairIn(const Items& order)
+{
+    QTest::addColumn<MainItem>("first");
+    QTest::addColumn<MainItem>("second");
+    for (int i = 0; i < order.size(); ++i) {
+        for (int j = i + 1; j < order.size(); ++j)
+            QTest::addRow("%s before %s", nameOf(order[i]), nameOf(order[j]))
+                << order[i] << order[j];
+    }
 }
 
 void tst_ScreenCaptureWnd_tools::firstToolMakesTheCanvas()
@@ -439,18 +453,12 @@ void tst_ScreenCaptureWnd_tools::arrowStartsInItsLayout()
     QCOMPARE(frame->arrowHead(), r.topRight());
 }
 
-void tst_ScreenCaptureWnd_tools::firstCheckedToolWins_data()
+void tst_ScreenCaptureWnd_tools::firstCheckedToolIsUsed_data()
 {
-    QTest::addColumn<MainItem>("first");
-    QTest::addColumn<MainItem>("second");
-    QTest::newRow("pen before text") << Scribble << Text;
-    QTest::newRow("text before rectangle") << Text << Rectangle;
-    QTest::newRow("rectangle before arrow") << Rectangle << Arrow;
-    QTest::newRow("arrow before ellipse") << Arrow << Ellipse;
-    QTest::newRow("ellipse before mosaic") << Ellipse << Mosaic;
+    eachPairIn({Scribble, Text, Rectangle, Arrow, Ellipse, Mosaic});
 }
 
-void tst_ScreenCaptureWnd_tools::firstCheckedToolWins()
+void tst_ScreenCaptureWnd_tools::firstCheckedToolIsUsed()
 {
     QFETCH(MainItem, first);
     QFETCH(MainItem, second);
@@ -465,6 +473,36 @@ void tst_ScreenCaptureWnd_tools::firstCheckedToolWins()
     m_capture->choose(first);
     QCOMPARE(paintType, ScribbleAreaAccess::paintType(*m_capture->canvas()));
     QCOMPARE(graphState, ScribbleAreaAccess::graphState(*m_capture->canvas()));
+}
+
+// Not the order in which the tool is chosen.
+void tst_ScreenCaptureWnd_tools::settingsGoToTheFirstCheckedTool_data()
+{
+    eachPairIn({Scribble, Text, Rectangle, Ellipse, Arrow, Mosaic});
+}
+
+void tst_ScreenCaptureWnd_tools::settingsGoToTheFirstCheckedTool()
+{
+    QFETCH(MainItem, first);
+    QFETCH(MainItem, second);
+    annotate(Text);
+    m_capture->choose(Mosaic);
+    m_capture->choose(first);
+    m_capture->button(second)->setChecked(true);
+    QList<int> widths = m_capture->penWidths();
+    QList<QColor> colors = kStored;
+    const int index = Items({Scribble, Arrow, Rectangle, Ellipse}).indexOf(first);
+    if (index >= 0) {
+        widths[index] = 23;
+        colors[index] = kSkyBlue;
+    }
+    m_capture->window()->onPenWidthChanged(23);
+    m_capture->window()->onPenColorChanged(kSkyBlue);
+    QCOMPARE(m_capture->penWidths(), widths);
+    QCOMPARE(m_capture->penColors(), colors);
+    QCOMPARE(rememberedColors(), colors);
+    const auto* text = m_capture->canvas()->findChild<QTextEdit*>();
+    QCOMPARE(text->textColor().rgb() == kSkyBlue.rgb(), first == Text);
 }
 
 void tst_ScreenCaptureWnd_tools::settingsOfThePenAreShown_data()
