@@ -10,12 +10,6 @@ constexpr int kLoupeGapXPx = 6;
 constexpr int kLoupeGapYPx = 26;
 constexpr int kToolBarGapPx = 6;
 
-// Intended: a result below 1 becomes 0, so the bar never stands at 1 to the left of its place.
-int clampedToEdge(int position)
-{
-    return position < 1 ? 0 : position;
-}
-
 } // namespace
 
 namespace overlay
@@ -23,26 +17,7 @@ namespace overlay
 
 QPoint pointOfInterest(const QPoint& pos, int section, const QRect& region)
 {
-    switch (section) {
-    case ResizableRect::SECTION_LEFT:
-        return {region.left(), pos.y()};
-    case ResizableRect::SECTION_RIGHT:
-        return {region.right(), pos.y()};
-    case ResizableRect::SECTION_TOP:
-        return {pos.x(), region.top()};
-    case ResizableRect::SECTION_BOTTOM:
-        return {pos.x(), region.bottom()};
-    case ResizableRect::SECTION_TOP_LEFT:
-        return region.topLeft();
-    case ResizableRect::SECTION_TOP_RIGHT:
-        return region.topRight();
-    case ResizableRect::SECTION_BOTTOM_LEFT:
-        return region.bottomLeft();
-    case ResizableRect::SECTION_BOTTOM_RIGHT:
-        return region.bottomRight();
-    default:
-        return pos;
-    }
+    return ResizableRect::snapped(pos, ResizableRect::edgesOf(section), region);
 }
 
 QRect loupeSource(const QPoint& p)
@@ -67,9 +42,8 @@ QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, co
 {
     const int needed = bar.height() + extraHeight + kToolBarGapPx;
     const bool roomBelow = region.bottom() + needed <= window.bottom();
-    const int y =
-        roomBelow ? region.bottom() + kToolBarGapPx : clampedToEdge(region.top() - needed);
-    return {clampedToEdge(region.right() - bar.width()), y};
+    const int y = roomBelow ? region.bottom() + kToolBarGapPx : qMax(0, region.top() - needed);
+    return {qMax(0, region.right() - bar.width()), y};
 }
 
 } // namespace overlay

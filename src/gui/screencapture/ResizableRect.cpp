@@ -23,6 +23,23 @@ constexpr int kSizeLabelAlpha = 128;
 
 using R = ResizableRect;
 
+struct Handle {
+    Qt::Edges edges;
+    Qt::CursorShape cursor;
+};
+
+// By section, from SECTION_LEFT to SECTION_BOTTOM_RIGHT.
+constexpr Handle kHandles[] = {
+    {Qt::LeftEdge, Qt::SizeHorCursor},
+    {Qt::RightEdge, Qt::SizeHorCursor},
+    {Qt::TopEdge, Qt::SizeVerCursor},
+    {Qt::BottomEdge, Qt::SizeVerCursor},
+    {Qt::TopEdge | Qt::LeftEdge, Qt::SizeFDiagCursor},
+    {Qt::TopEdge | Qt::RightEdge, Qt::SizeBDiagCursor},
+    {Qt::BottomEdge | Qt::LeftEdge, Qt::SizeBDiagCursor},
+    {Qt::BottomEdge | Qt::RightEdge, Qt::SizeFDiagCursor},
+};
+
 // Which section takes the place of another one when the rectangle is flipped.
 const ArrowMap s_horizontalArrowMap =
     ArrowMap() << ArrowMapValue(R::SECTION_LEFT, R::SECTION_RIGHT)
@@ -63,24 +80,23 @@ const ArrowMap* flipTable(const QRect& r)
     return flippedY ? &s_verticalArrowMap : nullptr;
 }
 
-void setCorner(QRect& r, int corner, const QPoint& p)
+// An arrow's ends are on corners; any other section stands for the top-left one.
+Qt::Edges cornerEdges(int section)
 {
-    switch (corner) {
-    case R::SECTION_TOP_LEFT:
-        r.setTopLeft(p);
-        break;
-    case R::SECTION_TOP_RIGHT:
-        r.setTopRight(p);
-        break;
-    case R::SECTION_BOTTOM_LEFT:
-        r.setBottomLeft(p);
-        break;
-    case R::SECTION_BOTTOM_RIGHT:
-        r.setBottomRight(p);
-        break;
-    default:
-        break;
-    }
+    const Qt::Edges edges = R::edgesOf(section);
+    return section >= R::SECTION_TOP_LEFT ? edges : Qt::Edges();
+}
+
+void moveEdges(QRect& r, Qt::Edges edges, const QPoint& p)
+{
+    if (edges & Qt::LeftEdge)
+        r.setLeft(p.x());
+    if (edges & Qt::RightEdge)
+        r.setRight(p.x());
+    if (edges & Qt::TopEdge)
+        r.setTop(p.y());
+    if (edges & Qt::BottomEdge)
+        r.setBottom(p.y());
 }
 
 QPen borderPen(const QColor& color, Qt::PenStyle style)
@@ -123,18 +139,23 @@ ResizableRect::ResizableRect(QWidget* widget, const QRect& rect)
 
 void ResizableRect::init()
 {
-    for (int id = SECTION_LEFT; id <= SECTION_BOTTOM_RIGHT; ++id) {
+    for (const Handle& handle : kHandles) {
         m_sectionRects.append(QRect(0, 0, kHandleSidePx, kHandleSidePx));
-        m_sectionCursors.append(0);
+        m_sectionCursors.append(handle.cursor);
     }
-    m_sectionCursors[SECTION_LEFT] = Qt::SizeHorCursor;
-    m_sectionCursors[SECTION_RIGHT] = Qt::SizeHorCursor;
-    m_sectionCursors[SECTION_TOP] = Qt::SizeVerCursor;
-    m_sectionCursors[SECTION_BOTTOM] = Qt::SizeVerCursor;
-    m_sectionCursors[SECTION_TOP_LEFT] = Qt::SizeFDiagCursor;
-    m_sectionCursors[SECTION_BOTTOM_RIGHT] = Qt::SizeFDiagCursor;
-    m_sectionCursors[SECTION_TOP_RIGHT] = Qt::SizeBDiagCursor;
-    m_sectionCursors[SECTION_BOTTOM_LEFT] = Qt::SizeBDiagCursor;
+}
+
+Qt::Edges ResizableRect::edgesOf(int section)
+{
+    const bool isHandle = section >= SECTION_LEFT && section <= SECTION_BOTTOM_RIGHT;
+    return isHandle ? kHandles[section].edges : Qt::Edges();
+}
+
+QPoint ResizableRect::snapped(const QPoint& p, Qt::Edges edges, const QRect& r)
+{
+    const int x = edges & Qt::LeftEdge ? r.left() : edges & Qt::RightEdge ? r.right() : p.x();
+    const int y = edges & Qt::TopEdge ? r.top() : edges & Qt::BottomEdge ? r.bottom() : p.y();
+    return {x, y};
 }
 
 void ResizableRect::setRect(const QRect& rect)
@@ -225,17 +246,10 @@ void ResizableRect::updateSectionRects()
     const QPoint base = m_rect.topLeft() - QPoint(1, 1);
     const int w = m_rect.width();
     const int h = m_rect.height();
-    const int hw = w / 2;
-    const int hh = h / 2;
-
-    m_sectionRects[SECTION_LEFT].moveCenter(base + QPoint(0, hh));
-    m_sectionRects[SECTION_RIGHT].moveCenter(base + QPoint(w, hh));
-    m_sectionRects[SECTION_TOP].moveCenter(base + QPoint(hw, 0));
-    m_sectionRects[SECTION_BOTTOM].moveCenter(base + QPoint(hw, h));
-    m_sectionRects[SECTION_TOP_LEFT].moveCenter(base);
-    m_sectionRects[SECTION_TOP_RIGHT].moveCenter(base + QPoint(w, 0));
-    m_sectionRects[SECTION_BOTTOM_LEFT].moveCenter(base + QPoint(0, h));
-    m_sectionRects[SECTION_BOTTOM_RIGHT].moveCenter(base + QPoint(w, h));
+    const QPoint middle = base + QPoint(w / 2, h / 2);
+    const QRect anchors(base, base + QPoint(w, h));
+    for (int id = SECTION_LEFT; id <= SECTION_BOTTOM_RIGHT; ++id)
+        m_sectionRects[id].moveCenter(snapped(middle, edgesOf(id), anchors));
 }
 
 void ResizableRect::repaint()
@@ -303,21 +317,12 @@ void ResizableRect::updateArrowRect(const QRect& r)
 
 QPoint ResizableRect::getArrowRectPoint(int corner, const QRect& r)
 {
-    switch (corner) {
-    case SECTION_TOP_RIGHT:
-        return r.topRight();
-    case SECTION_BOTTOM_LEFT:
-        return r.bottomLeft();
-    case SECTION_BOTTOM_RIGHT:
-        return r.bottomRight();
-    default:
-        return r.topLeft();
-    }
+    return snapped(r.topLeft(), cornerEdges(corner), r);
 }
 
 void ResizableRect::setArrowRectPoint(int corner, const QPoint& p, QRect& r)
 {
-    setCorner(r, corner, p);
+    moveEdges(r, cornerEdges(corner), p);
 }
 
 QPoint ResizableRect::arrowTail()
@@ -415,27 +420,12 @@ void ResizableRect::showCursorFor(int section)
 QRect ResizableRect::draggedRect(const QPoint& pos)
 {
     QRect r = m_rect;
-    switch (m_pressSection) {
-    case SECTION_INSIDE:
-    case SECTION_BORDER:
+    const bool isMoved = m_pressSection == SECTION_INSIDE || m_pressSection == SECTION_BORDER;
+    if (isMoved) {
         r.moveTopLeft(pos - m_pressOffset);
         ensureMovingRectInWidget(r);
-        break;
-    case SECTION_LEFT:
-        r.setLeft(pos.x());
-        break;
-    case SECTION_RIGHT:
-        r.setRight(pos.x());
-        break;
-    case SECTION_TOP:
-        r.setTop(pos.y());
-        break;
-    case SECTION_BOTTOM:
-        r.setBottom(pos.y());
-        break;
-    default:
-        setCorner(r, m_pressSection, pos);
-        break;
+    } else {
+        moveEdges(r, edgesOf(m_pressSection), pos);
     }
     ensureSizingRectInWidget(r);
     return r;

@@ -70,6 +70,11 @@ public:
     /// The ends of an arrow whose frame this rectangle is; each sits on a corner section.
     enum ARROW_END { ARROW_TAIL = 1, ARROW_HEAD = 2 };
 
+    /// The edges that dragging `section` moves: one or two for a handle, otherwise none.
+    static Qt::Edges edgesOf(int section);
+    /// `p` with the coordinates of those edges of `r` that `edges` names.
+    static QPoint snapped(const QPoint& p, Qt::Edges edges, const QRect& r);
+
     /// Takes `rect` as given, neither clamped nor normalized; hidden and enabled at first.
     ResizableRect(QWidget* widget, const QRect& rect);
 
