@@ -21,8 +21,7 @@ namespace
 constexpr int kMosaicRebuildDelayMs = 300;
 constexpr int kStrokeMarginPx = 2;
 constexpr int kTextInsetPx = 4;
-constexpr int kMinDragWidthPx = 4;
-constexpr int kMinDragHeightPx = 4;
+constexpr int kMinDragPx = 4;
 constexpr qreal kScribblePenWidthPx = 2.0;
 constexpr qreal kShapePenWidthPx = 2.0;
 constexpr qreal kArrowPenWidthPx = 6.0;
@@ -44,7 +43,7 @@ QRect strokeArea(const QPoint& from, const QPoint& to, int width)
 // rectangle's width is its right edge minus its left edge plus one.
 bool isDrag(const QRect& r)
 {
-    return qAbs(r.width()) >= kMinDragWidthPx || qAbs(r.height()) >= kMinDragHeightPx;
+    return qAbs(r.width()) >= kMinDragPx || qAbs(r.height()) >= kMinDragPx;
 }
 
 // A canvas without a picture, as over a region that a mere click made, has nothing to draw on.
@@ -618,15 +617,15 @@ void ScribbleArea::setMosaicBlur(int blur)
     m_mosaicTimer.start();
 }
 
-void ScribbleArea::setMosaicCursorRadius(int size)
+void ScribbleArea::setMosaicCursorRadius(int diameter)
 {
-    QImage circle(size, size, QImage::Format_ARGB32);
+    QImage circle(diameter, diameter, QImage::Format_ARGB32);
     // A brush without size keeps the cursor there was.
     if (circle.isNull())
         return;
     circle.fill(QColor(0, 0, 0, 0));
     QPainter painter(&circle);
-    painter.drawEllipse(QRect(QPoint(1, 1), QSize(size - 2, size - 2)));
+    painter.drawEllipse(QRect(QPoint(1, 1), QSize(diameter - 2, diameter - 2)));
     painter.end();
     setCursor(QCursor(QPixmap::fromImage(circle), -1, -1));
 }

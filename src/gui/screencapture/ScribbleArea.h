@@ -127,7 +127,8 @@ private:
     void updateChanged(const QRect& area);
     void updateMosaicImage();
     void resetMosaicTrack();
-    void setMosaicCursorRadius(int size);
+    /// Shows the brush, a circle of `diameter` pixels, as the cursor.
+    void setMosaicCursorRadius(int diameter);
 
     void dragFrame(const QPoint& pos);
     void updateFrame();
