@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "MosaicPixels.h"
+#include "Mouse.h"
+#include "Pictures.h"
 #include "ScribbleArea.h"
 
 #include <QApplication>
-#include <QMouseEvent>
-#include <QRandomGenerator>
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <memory>
@@ -13,18 +13,6 @@ namespace
 {
 
 constexpr QSize kPicturePx(3840, 2160);
-
-QImage noise(const QSize& size)
-{
-    QImage image(size, QImage::Format_RGB32);
-    QRandomGenerator random(1);
-    for (int y = 0; y < size.height(); ++y) {
-        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < size.width(); ++x)
-            line[x] = 0xff000000u | random.generate();
-    }
-    return image;
-}
 
 const QImage& picture()
 {
@@ -93,26 +81,18 @@ void chooseMosaicFirst(benchmark::State& state)
 }
 BENCHMARK(chooseMosaicFirst)->Arg(2)->Unit(benchmark::kMicrosecond);
 
-void send(QWidget& widget, QEvent::Type type, const QPoint& p)
-{
-    const bool move = type == QEvent::MouseMove;
-    QMouseEvent event(type, p, move ? Qt::NoButton : Qt::LeftButton,
-                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
-                      Qt::NoModifier);
-    QApplication::sendEvent(&widget, &event);
-}
-
 void mosaicSegment(benchmark::State& state)
 {
     ScribbleArea canvas;
     canvas.resize(kPicturePx);
     canvas.setImage(picture());
     canvas.setPaintTypeToMosaic();
-    send(canvas, QEvent::MouseButtonPress, QPoint(1000, 1000));
-    send(canvas, QEvent::MouseMove, QPoint(1040, 1000));
+    const Mouse mouse(&canvas);
+    mouse.press(QPoint(1000, 1000));
+    mouse.move(QPoint(1040, 1000));
     bool there = true;
     for (auto _ : state) {
-        send(canvas, QEvent::MouseMove, there ? QPoint(1000, 1000) : QPoint(1040, 1000));
+        mouse.move(there ? QPoint(1000, 1000) : QPoint(1040, 1000));
         there = !there;
     }
 }
@@ -126,9 +106,7 @@ void undoAndRedo(benchmark::State& state)
     canvas.setImage(picture());
     canvas.setPaintTypeToGraph();
     canvas.setGraphState(ScribbleArea::GRAPH_RECT);
-    send(canvas, QEvent::MouseButtonPress, QPoint(1000, 1000));
-    send(canvas, QEvent::MouseMove, QPoint(1197, 1197));
-    send(canvas, QEvent::MouseButtonRelease, QPoint(1197, 1197));
+    Mouse(&canvas).drag(QPoint(1000, 1000), QPoint(1197, 1197));
     canvas.completeScribble();
     canvas.setPaintTypeToScribble();
     for (auto _ : state) {

@@ -5,6 +5,7 @@
 //   bench_overlay exec COMMAND       for any other program that covers the screen when it starts
 #include "BareOverlay.h"
 #include "Driver.h"
+#include "Mouse.h"
 #include "ScreenCaptureWnd.h"
 #include "ScribbleArea.h"
 
@@ -12,7 +13,6 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QMouseEvent>
 #include <QProcess>
 #include <QScreen>
 #include <QSlider>
@@ -334,14 +334,6 @@ double measurePeakMemory(Subject& subject, Driver& driver, const std::vector<int
     return memoryMb("VmHWM:") - before;
 }
 
-void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& p)
-{
-    QMouseEvent event(type, p, Qt::LeftButton,
-                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
-                      Qt::NoModifier);
-    QApplication::sendEvent(widget, &event);
-}
-
 // A hundred strokes of 300 x 300 pixels; the floor is the pixels of their history.
 double measureStrokesMemory(Subject& subject, Driver& driver)
 {
@@ -358,9 +350,7 @@ double measureStrokesMemory(Subject& subject, Driver& driver)
     auto* canvas = subject.window()->findChild<ScribbleArea*>();
     const auto stroke = [canvas](int i) {
         const QPoint from(10 + (i % 5) * 310, 10 + (i / 5 % 3) * 310);
-        sendMouse(canvas, QEvent::MouseButtonPress, from);
-        sendMouse(canvas, QEvent::MouseMove, from + QPoint(kSidePx - 1, kSidePx - 1));
-        sendMouse(canvas, QEvent::MouseButtonRelease, from + QPoint(kSidePx - 1, kSidePx - 1));
+        Mouse(canvas).drag(QRect(from, QSize(kSidePx, kSidePx)));
         QCoreApplication::processEvents();
     };
     stroke(0);

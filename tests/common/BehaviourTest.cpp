@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 
+#include <QGuiApplication>
 #include <QMutex>
 #include <QRegularExpression>
 #include <QStringList>
+#include <QStyleHints>
 #include <QtTest>
 
 namespace
@@ -59,6 +61,9 @@ bool isKnownWarning(const QString& message)
 
 void BehaviourTest::init()
 {
+    // A text cursor that blinks between two looks at a widget differs in them.
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+        QGuiApplication::styleHints()->setCursorFlashTime(0);
     s_unexpected.clear();
     s_previous = qInstallMessageHandler(recordWarning);
 }

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "MagnifierWidget.h"
+#include "Mouse.h"
 #include "ResizableRect.h"
 #include "ScreenCaptureWnd.h"
 
-#include <QApplication>
-#include <QMouseEvent>
 #include <QPointer>
 #include <QtTest>
 
@@ -31,11 +30,12 @@ public slots:
 };
 
 /// One capture and the mouse in front of it. The window is gone when the probe is.
-class CaptureProbe
+class CaptureProbe : public Mouse
 {
 public:
     CaptureProbe()
-        : m_window(ScreenCaptureWnd::screenCaptureWnd())
+        : Mouse(ScreenCaptureWnd::screenCaptureWnd())
+        , m_window(ScreenCaptureWnd::screenCaptureWnd())
     {
     }
     ~CaptureProbe() { delete m_window; }
@@ -48,42 +48,7 @@ public:
     MagnifierWidget* loupe() const { return m_window->findChild<MagnifierWidget*>(); }
     QWidget* toolBar() const { return m_window->findChild<QWidget*>("mainToolBar"); }
 
-    void press(const QPoint& p, Qt::MouseButton button = Qt::LeftButton) const
-    {
-        send(QEvent::MouseButtonPress, p, button, button);
-    }
-    void move(const QPoint& p, Qt::MouseButtons buttons = Qt::LeftButton) const
-    {
-        send(QEvent::MouseMove, p, Qt::NoButton, buttons);
-    }
-    void release(const QPoint& p, Qt::MouseButton button = Qt::LeftButton) const
-    {
-        send(QEvent::MouseButtonRelease, p, button, Qt::NoButton);
-    }
-    void doubleClick(const QPoint& p, Qt::MouseButton button = Qt::LeftButton) const
-    {
-        send(QEvent::MouseButtonDblClick, p, button, button);
-    }
-    void click(const QPoint& p, Qt::MouseButton button) const
-    {
-        press(p, button);
-        release(p, button);
-    }
-    void drag(const QPoint& from, const QPoint& to) const
-    {
-        press(from);
-        move(to);
-        release(to);
-    }
-
 private:
-    void send(QEvent::Type type, const QPoint& p, Qt::MouseButton button,
-              Qt::MouseButtons buttons) const
-    {
-        QMouseEvent event(type, p, m_window->mapToGlobal(p), button, buttons, Qt::NoModifier);
-        QApplication::sendEvent(m_window, &event);
-    }
-
     QPointer<ScreenCaptureWnd> m_window;
 };
 

@@ -2,7 +2,7 @@
 #include "AssertionProbe.h"
 #include "BehaviourTest.h"
 #include "ColorWidget.h"
-#include "Painted.h"
+#include "Pictures.h"
 
 #include <QMetaMethod>
 #include <QMouseEvent>

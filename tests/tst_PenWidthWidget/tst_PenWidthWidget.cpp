@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
-#include "Painted.h"
 #include "PenWidthWidget.h"
+#include "Pictures.h"
 
 #include <QMetaMethod>
 #include <QSignalSpy>

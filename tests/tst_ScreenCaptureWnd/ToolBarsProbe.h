@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Access.h"
 #include "CaptureProbe.h"
 #include "ColorWidget.h"
 #include "PenWidthWidget.h"
 #include "ScreenCaptureTool.h"
-#include "ScribbleArea.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -13,12 +13,6 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QTextEdit>
-
-struct ScribbleAreaAccess {
-    static int paintType(const ScribbleArea& canvas) { return canvas.m_paintType; }
-    static int graphState(const ScribbleArea& canvas) { return canvas.m_graphState; }
-    static int mosaicBlur(const ScribbleArea& canvas) { return canvas.m_mosaicBlur; }
-};
 
 /// The places in the main tool bar, left to right.
 enum MainItem {
@@ -86,18 +80,14 @@ public:
     void pickColor(int row, int col) const
     {
         const QPoint p = palette()->cellRect(row, col).center();
-        sendTo(palette(), QEvent::MouseMove, p, Qt::NoButton, Qt::NoButton);
-        sendTo(palette(), QEvent::MouseButtonPress, p, Qt::LeftButton, Qt::LeftButton);
+        const Mouse mouse(palette());
+        mouse.hover(p);
+        mouse.press(p);
     }
     /// The colour in the palette's box.
     QColor shownColor() const { return palette()->grab().toImage().pixelColor(18, 18); }
     /// A stroke on the canvas with whatever tool is chosen.
-    void stroke(const QPoint& from, const QPoint& to) const
-    {
-        sendTo(canvas(), QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
-        sendTo(canvas(), QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton);
-        sendTo(canvas(), QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
-    }
+    void stroke(const QPoint& from, const QPoint& to) const { Mouse(canvas()).drag(from, to); }
 
     QPen pen(MainItem tool) const
     {
@@ -142,14 +132,6 @@ public:
         for (const MainItem tool : kPenTools)
             colors << pen(tool).color();
         return colors;
-    }
-
-private:
-    static void sendTo(QWidget* widget, QEvent::Type type, const QPoint& p, Qt::MouseButton button,
-                       Qt::MouseButtons buttons)
-    {
-        QMouseEvent event(type, p, widget->mapToGlobal(p), button, buttons, Qt::NoModifier);
-        QApplication::sendEvent(widget, &event);
     }
 };
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "Access.h"
 #include "AssertionProbe.h"
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
-#include "Painted.h"
+#include "Pictures.h"
 
 #include <QDesktopWidget>
 #include <QDir>
@@ -11,13 +12,6 @@
 #include <QMetaMethod>
 #include <QTemporaryDir>
 #include <QTimer>
-
-struct ScreenCaptureWndAccess {
-    static void setDesktop(ScreenCaptureWnd* window, const QImage& desktop)
-    {
-        *window->m_desktopImage = desktop;
-    }
-};
 
 namespace
 {

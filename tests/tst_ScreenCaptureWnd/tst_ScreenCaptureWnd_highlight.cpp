@@ -1,16 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "Access.h"
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
-#include "Drawings.h"
-
-struct ScreenCaptureWndAccess {
-    static void setDesktop(ScreenCaptureWnd* window, const QImage& desktop)
-    {
-        *window->m_desktopImage = desktop;
-        window->dimDesktop();
-    }
-    static QRect& highlight(ScreenCaptureWnd* window) { return window->m_grabWindowRect; }
-};
+#include "Pictures.h"
 
 namespace
 {
@@ -21,12 +13,7 @@ const QColor kSelectionColor("#00aacc");
 
 QImage desktopPicture()
 {
-    QImage image(kDesktopSize, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            image.setPixel(x, y, qRgb(x % 256, y % 256, (x + y) % 256));
-    }
-    return image;
+    return places(kDesktopSize);
 }
 
 } // namespace
@@ -81,9 +68,8 @@ QImage tst_ScreenCaptureWnd_highlight::shown() const
 
 QImage tst_ScreenCaptureWnd_highlight::framed(const QRect& frame)
 {
-    QImage image = desktopPicture();
+    QImage image = dimmed(desktopPicture());
     QPainter painter(&image);
-    painter.fillRect(image.rect(), QColor(0, 0, 0, 100));
     painter.drawImage(frame.topLeft(), desktopPicture().copy(frame));
     painter.setPen(QPen(QBrush(kSelectionColor), 4.0, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
     painter.drawRect(frame);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Access.h"
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
 #include "ScribbleArea.h"
@@ -11,13 +12,6 @@
 #include <QTimer>
 #include <QtTest/qtestspontaneevent.h>
 #include <functional>
-
-struct ScreenCaptureWndAccess {
-    static void setDesktop(ScreenCaptureWnd* window, const QImage& desktop)
-    {
-        *window->m_desktopImage = desktop;
-    }
-};
 
 namespace
 {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
-#include "Desktop.h"
+#include "Screen.h"
 #include "ToolBarsProbe.h"
 
 namespace
@@ -45,7 +45,6 @@ class tst_ScreenCaptureWnd_repainting : public BehaviourTest
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void dragLeavesNothingBehind_data();
     void dragLeavesNothingBehind();
     void shownShapeLeavesNothingBehind_data();
@@ -56,30 +55,20 @@ private:
     void drag(const ToolBarsProbe& bars, const Path& path, int moves);
 };
 
-// A text cursor that blinks between two looks at the window differs in them.
-void tst_ScreenCaptureWnd_repainting::initTestCase()
-{
-    QApplication::setCursorFlashTime(0);
-}
-
 void tst_ScreenCaptureWnd_repainting::drag(const ToolBarsProbe& bars, const Path& path, int moves)
 {
-    const auto send = [&bars](QEvent::Type type, const QPoint& p, Qt::MouseButton button,
-                              Qt::MouseButtons buttons) {
-        QMouseEvent event(type, p, bars.canvas()->mapToGlobal(p), button, buttons, Qt::NoModifier);
-        QApplication::sendEvent(bars.canvas(), &event);
-    };
-    send(QEvent::MouseButtonPress, path.first(), Qt::LeftButton, Qt::LeftButton);
+    const Mouse mouse(bars.canvas());
+    mouse.press(path.first());
     int made = 0;
     for (const QPoint& p : movesAlong(path)) {
-        send(QEvent::MouseMove, p, Qt::NoButton, Qt::LeftButton);
+        mouse.move(p);
         if (++made % moves > 0)
             continue;
         QCoreApplication::processEvents();
         const QImage screen = screenshot();
         QVERIFY2(screen == paintedAnew(*bars.window()), qPrintable(QString("move %1").arg(made)));
     }
-    send(QEvent::MouseButtonRelease, path.last(), Qt::LeftButton, Qt::NoButton);
+    mouse.release(path.last());
     QCoreApplication::processEvents();
     const QImage screen = screenshot();
     QVERIFY(screen == paintedAnew(*bars.window()));

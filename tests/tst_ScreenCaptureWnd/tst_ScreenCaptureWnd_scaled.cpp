@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
-#include "Desktop.h"
+#include "Screen.h"
 
 /// The capture window on a dense screen: two device pixels to a pixel of the window.
 class tst_ScreenCaptureWnd_scaled : public BehaviourTest

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
-#include "Desktop.h"
-#include "RealInput.h"
+#include "Screen.h"
 #include "ToolBarsProbe.h"
 
 #include <QAbstractItemView>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
-#include "Desktop.h"
+#include "Screen.h"
 
 #include <QProcess>
 #include <QSocketNotifier>

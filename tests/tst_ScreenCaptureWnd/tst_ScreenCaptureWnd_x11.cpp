@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
-#include "Desktop.h"
-#include "RealInput.h"
+#include "Screen.h"
 
 #include <QFileDialog>
 #include <QImageReader>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Drawings.h"
+#include "Pictures.h"
 #include "ResizableRect.h"
 #include "ScribbleArea.h"
 
@@ -92,15 +92,6 @@ private:
 inline QPen scribblePen(const QColor& color = Qt::blue, int width = 2)
 {
     return {QBrush(color), qreal(width), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin};
-}
-
-template <typename Draw>
-QImage drawnOn(QImage image, Draw draw)
-{
-    QPainter painter(&image);
-    draw(painter);
-    painter.end();
-    return image;
 }
 
 inline QRect edges(int left, int top, int right, int bottom)

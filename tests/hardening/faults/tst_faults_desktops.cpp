@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
-#include "Desktop.h"
-#include "Drawings.h"
-#include "RealInput.h"
+#include "Pictures.h"
+#include "Screen.h"
 #include "ScribbleArea.h"
 
 #include <QProcess>

@@ -2,11 +2,53 @@
 #pragma once
 
 #include "BehaviourTest.h"
+#include "Pictures.h"
 
 #include <QApplication>
 #include <QCursor>
 #include <QMouseEvent>
 #include <QProcess>
+#include <QScreen>
+
+// For tests on a real X server: what is on the screen, and input through the server.
+
+inline QRect screenRect()
+{
+    return {QPoint(), QGuiApplication::primaryScreen()->size()};
+}
+
+/// What is on the screen now.
+inline QImage screenshot()
+{
+    const QRect all = screenRect();
+    return QGuiApplication::primaryScreen()
+        ->grabWindow(0, 0, 0, all.width(), all.height())
+        .toImage()
+        .convertToFormat(QImage::Format_RGB32);
+}
+
+/// A desktop with a known picture on it, outside the window manager's reach.
+class Desktop : public QWidget
+{
+public:
+    explicit Desktop(quint32 seed)
+        : QWidget(nullptr, Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint)
+        , m_picture(noise(screenRect().size() * devicePixelRatio(), seed))
+    {
+        m_picture.setDevicePixelRatio(devicePixelRatioF());
+        setAttribute(Qt::WA_OpaquePaintEvent);
+        setGeometry(screenRect());
+        show();
+        lower();
+    }
+    const QImage& picture() const { return m_picture; }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override { QPainter(this).drawImage(0, 0, m_picture); }
+
+private:
+    QImage m_picture;
+};
 
 /// Real input through the X server. Wait for the effect of a click before the next one: while a
 /// window manager holds the pointer, the server loses a release that the next press overtakes.
