@@ -2,6 +2,7 @@
 #include "ScribbleArea.h"
 
 #include "MosaicPixels.h"
+#include "PictureDifference.h"
 #include "ResizableRect.h"
 #include "StyleSheets.h"
 
@@ -12,8 +13,6 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QTextEdit>
-#include <QVector2D>
-#include <array>
 
 namespace
 {
@@ -54,43 +53,6 @@ void drawOn(QImage& picture, Draw draw)
         return;
     QPainter painter(&picture);
     draw(painter);
-}
-
-// An arrow from `points.topLeft()` to `points.bottomRight()`, as two triangles.
-struct Arrow {
-    Arrow(const QRect& points, const ArrowAttribute& attribute);
-    QRect boundingRect() const;
-
-    std::array<QPoint, 3> shaft;
-    std::array<QPoint, 3> head;
-};
-
-Arrow::Arrow(const QRect& points, const ArrowAttribute& attribute)
-{
-    const QVector2D from(points.topLeft());
-    const QVector2D d = QVector2D(points.bottomRight()) - from;
-    const QVector2D u = d.normalized();
-    const QVector2D n(-u.y(), u.x());
-    const QVector2D b =
-        u * static_cast<float>(static_cast<double>(d.length()) - attribute.headLength);
-
-    // The offsets are rounded before the rounded tail is added to them.
-    const QPoint origin = from.toPoint();
-    const QVector2D shaftSide = n * static_cast<float>(attribute.lineWidth);
-    const QVector2D headSide = n * static_cast<float>(attribute.headHalfWidth);
-    const QVector2D tip = from + b + b.normalized() * static_cast<float>(attribute.headLength);
-    shaft = {origin, (shaftSide + b).toPoint() + origin, (-shaftSide + b).toPoint() + origin};
-    head = {tip.toPoint(), (headSide + b).toPoint() + origin, (-headSide + b).toPoint() + origin};
-}
-
-QRect Arrow::boundingRect() const
-{
-    QRect bounds;
-    for (const auto& triangle : {shaft, head}) {
-        for (const QPoint& point : triangle)
-            bounds |= QRect(point, QSize(1, 1));
-    }
-    return bounds;
 }
 
 ArrowAttribute attributeOf(const QPen& pen)
@@ -452,7 +414,7 @@ void ScribbleArea::drawArrow(QPainter& painter, const QRect& rect, const ArrowAt
     painter.setPen(outline);
     painter.setRenderHint(QPainter::Antialiasing, true);
 
-    const Arrow arrow(rect, attribute);
+    const ArrowShape arrow(rect, attribute);
     painter.drawPolygon(arrow.shaft.data(), int(arrow.shaft.size()), Qt::WindingFill);
     painter.drawPolygon(arrow.head.data(), int(arrow.head.size()), Qt::WindingFill);
     painter.restore();
@@ -473,10 +435,9 @@ QRect ScribbleArea::frameArea() const
     if (m_paintType != PAINT_GRAPH)
         return frame;
     const QPen pen = currentGraphPen();
-    const bool isArrow = m_graphState == GRAPH_ARROW;
-    const QRect shape = isArrow
-                            ? Arrow(arrowPoints(*m_resizableRect), attributeOf(pen)).boundingRect()
-                            : m_resizableRect->rect();
+    QRect shape = m_resizableRect->rect();
+    if (m_graphState == GRAPH_ARROW)
+        shape = ArrowShape(arrowPoints(*m_resizableRect), attributeOf(pen)).boundingRect();
     const int width = shape.isEmpty() ? int(2 * pen.miterLimit() * pen.width()) : pen.width();
     return frame | strokeArea(shape.topLeft(), shape.bottomRight(), width);
 }
@@ -636,24 +597,11 @@ void ScribbleArea::initForDiff(const QPoint& pos)
     m_diffRect = QRect(pos, pos);
 }
 
-// An empty rectangle holds no pixels: a copy of it would be a copy of the whole picture.
-ScribbleArea::DiffRect ScribbleArea::makeDiffRect() const
-{
-    DiffRect entry;
-    entry.position = m_diffRect.topLeft();
-    if (!m_diffRect.isEmpty())
-        entry.image = m_diffImage.copy(m_diffRect);
-    drawOn(entry.image, [&](QPainter& painter) {
-        painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
-        painter.drawImage(entry.image.rect(), m_image, m_diffRect);
-    });
-    return entry;
-}
-
 void ScribbleArea::saveDiffRect()
 {
     m_diffRectStack.erase(m_diffRectStack.begin() + m_currentDiffIndex, m_diffRectStack.end());
-    m_diffRectStack.append(makeDiffRect());
+    m_diffRectStack.append(
+        {m_diffRect.topLeft(), difference::between(m_diffImage, m_image, m_diffRect)});
     ++m_currentDiffIndex;
 }
 
@@ -661,10 +609,7 @@ void ScribbleArea::restoreDiffRect()
 {
     Q_ASSERT(m_currentDiffIndex >= 0 && m_currentDiffIndex < m_diffRectStack.size());
     const DiffRect& entry = m_diffRectStack.at(m_currentDiffIndex);
-    drawOn(m_image, [&](QPainter& painter) {
-        painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
-        painter.drawImage(entry.position, entry.image);
-    });
+    difference::apply(m_image, entry.position, entry.image);
     update(m_image.rect());
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ArrowShape.h"
+
 #include <QColor>
 #include <QImage>
 #include <QList>
@@ -13,21 +15,6 @@
 
 class ResizableRect;
 class QTextEdit;
-
-/// The measures of an arrow in pixels.
-struct ArrowAttribute {
-    /// Sets all three from a pen's width.
-    void setWidth(int w)
-    {
-        lineWidth = w;
-        headHalfWidth = 2 * w;
-        headLength = 2 * w;
-    }
-
-    int lineWidth = 5;
-    int headHalfWidth = 10;
-    int headLength = 10;
-};
 
 /// The annotation canvas: a transparent widget that owns the picture being annotated and turns
 /// mouse input into drawing on it, with a pen, text boxes, shapes and a mosaic brush.
@@ -146,7 +133,6 @@ private:
 
     void initForDiff(const QPoint& pos);
     void saveDiffRect();
-    DiffRect makeDiffRect() const;
     void restoreDiffRect();
     void clearDiffRect();
 
