@@ -5,7 +5,6 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
-#include <memory>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -34,15 +33,9 @@ std::error_code last_error()
     return {errno, std::system_category()};
 }
 
-std::error_code no_error()
-{
-    return {0, std::system_category()};
-}
-
 bool query(const path& p, struct stat& status)
 {
-    const std::string text = p.str();
-    return ::stat(text.c_str(), &status) == 0;
+    return ::stat(p.str().c_str(), &status) == 0;
 }
 
 bool has_type(const path& p, mode_t type, std::error_code& ec)
@@ -70,48 +63,34 @@ bool query_executable(char* buffer)
 #endif
 }
 
-ssize_t write_all(int file, const char* data, std::size_t length)
+bool write_all(int file, const char* data, ssize_t length)
 {
     while (length > 0) {
-        const ssize_t written = ::write(file, data, length);
+        const ssize_t written = ::write(file, data, static_cast<std::size_t>(length));
         if (written < 0)
-            return written;
+            return false;
         data += written;
-        length -= static_cast<std::size_t>(written);
+        length -= written;
     }
-    return 1;
+    return true;
 }
 
-/// Has the system copy what it can by itself, which is faster, and leaves the rest to be read and
-/// written, so that nothing here decides the result.
-void copy_within_the_system([[maybe_unused]] int in, [[maybe_unused]] int out)
+bool copy_contents(int in, int out)
 {
-#ifdef __linux__
-    constexpr std::size_t chunk_bytes = std::size_t(1) << 30;
-    const int kept = errno;
-    while (::copy_file_range(in, nullptr, out, nullptr, chunk_bytes, 0) > 0) {
+    std::vector<char> buffer(kCopyBufferBytes);
+    ssize_t got = ::read(in, buffer.data(), buffer.size());
+    while (got > 0) {
+        if (!write_all(out, buffer.data(), got))
+            return false;
+        got = ::read(in, buffer.data(), buffer.size());
     }
-    errno = kept;
-#endif
+    return got == 0;
 }
 
-/// Negative on failure.
-ssize_t copy_contents(int in, int out, char* buffer)
+int open_target(const path& to, bool fail_if_exists, mode_t mode)
 {
-    copy_within_the_system(in, out);
-    for (;;) {
-        const ssize_t got = ::read(in, buffer, kCopyBufferBytes);
-        if (got <= 0)
-            return got;
-        const ssize_t status = write_all(out, buffer, static_cast<std::size_t>(got));
-        if (status < 0)
-            return status;
-    }
-}
-
-int open_target(const std::string& to, bool fail_if_exists, mode_t mode)
-{
-    return ::open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | (fail_if_exists ? O_EXCL : 0), mode);
+    const int flags = O_WRONLY | O_CREAT | O_TRUNC | (fail_if_exists ? O_EXCL : 0);
+    return ::open(to.str().c_str(), flags, mode);
 }
 
 void close_keeping_errno(int file)
@@ -121,36 +100,29 @@ void close_keeping_errno(int file)
     errno = kept;
 }
 
-/// Negative on failure, save for a file that cannot be opened or looked at.
-ssize_t copy(const std::string& from, const std::string& to, bool fail_if_exists)
+bool copy(const path& from, const path& to, bool fail_if_exists)
 {
-    // Intended: what cannot be opened counts as copied, and only errno tells.
-    constexpr ssize_t not_opened = 1;
-    const std::unique_ptr<char[]> buffer(new char[kCopyBufferBytes]);
-    const int in = ::open(from.c_str(), O_RDONLY);
+    // Intended: a file that cannot be opened counts as copied, and only errno tells.
+    constexpr bool not_opened = true;
+    const int in = ::open(from.str().c_str(), O_RDONLY);
     if (in < 0)
         return not_opened;
     struct stat source = {};
-    const bool known = ::stat(from.c_str(), &source) == 0;
-    const int out = known ? open_target(to, fail_if_exists, source.st_mode) : -1;
+    const int out = query(from, source) ? open_target(to, fail_if_exists, source.st_mode) : -1;
     if (out < 0) {
         close_keeping_errno(in);
         return not_opened;
     }
-    ssize_t status = copy_contents(in, out, buffer.get());
-    if (::close(in) < 0)
-        status = -1;
-    if (::close(out) < 0)
-        status = -1;
-    return status;
+    bool ok = copy_contents(in, out);
+    ok = ::close(in) == 0 && ok;
+    return ::close(out) == 0 && ok;
 }
 
 } // namespace
 
 bool exists(const path& p, std::error_code& ec)
 {
-    const std::string text = p.str();
-    if (::access(text.c_str(), F_OK) == 0)
+    if (::access(p.str().c_str(), F_OK) == 0)
         return true;
     ec = last_error();
     return false;
@@ -158,7 +130,7 @@ bool exists(const path& p, std::error_code& ec)
 
 bool exists(const path& p)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return exists(p, ignored);
 }
 
@@ -169,7 +141,7 @@ bool is_directory(const path& p, std::error_code& ec)
 
 bool is_directory(const path& p)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return is_directory(p, ignored);
 }
 
@@ -180,7 +152,7 @@ bool is_regular_file(const path& p, std::error_code& ec)
 
 bool is_regular_file(const path& p)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return is_regular_file(p, ignored);
 }
 
@@ -203,15 +175,14 @@ bool not_found_error(int /*error*/)
 // Intended: here and in the other actions the code takes errno on success too.
 bool create_directory(const path& p, std::error_code& ec)
 {
-    const std::string text = p.str();
-    const bool ok = ::mkdir(text.c_str(), kDirectoryMode) == 0;
+    const bool ok = ::mkdir(p.str().c_str(), kDirectoryMode) == 0;
     ec = last_error();
     return ok;
 }
 
 bool create_directory(const path& p)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return create_directory(p, ignored);
 }
 
@@ -233,7 +204,7 @@ bool create_directory_r(const path& p, std::error_code& ec)
 
 bool create_directory_r(const path& p)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return create_directory_r(p, ignored);
 }
 
@@ -247,14 +218,14 @@ std::string create_sub_directory(const char* parent, const char* sub)
 
 bool copy_regular_file(const path& from, const path& to, bool fail_if_exists, std::error_code& ec)
 {
-    const ssize_t status = copy(from.str(), to.str(), fail_if_exists);
+    const bool ok = copy(from, to, fail_if_exists);
     ec = last_error();
-    return status >= 0;
+    return ok;
 }
 
 bool copy_regular_file(const path& from, const path& to, bool fail_if_exists)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return copy_regular_file(from, to, fail_if_exists, ignored);
 }
 
@@ -269,7 +240,7 @@ long long file_size(const path& p, std::error_code& ec, bool /*flag*/)
 
 long long file_size(const path& p, bool flag)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return file_size(p, ignored, flag);
 }
 
@@ -298,15 +269,14 @@ long long last_modify_time(const path& p)
 
 bool remove(const path& p, std::error_code& ec)
 {
-    const std::string text = p.str();
-    const bool ok = std::remove(text.c_str()) == 0;
+    const bool ok = std::remove(p.str().c_str()) == 0;
     ec = last_error();
     return ok;
 }
 
 bool remove(const path& p)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return remove(p, ignored);
 }
 
@@ -317,39 +287,35 @@ bool remove_directory(const path& p)
 
 bool rename(const path& from, const path& to, std::error_code& ec)
 {
-    const std::string source = from.str();
-    const std::string target = to.str();
-    const bool ok = std::rename(source.c_str(), target.c_str()) == 0;
+    const bool ok = std::rename(from.str().c_str(), to.str().c_str()) == 0;
     ec = last_error();
     return ok;
 }
 
 bool rename(const path& from, const path& to)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return rename(from, to, ignored);
 }
 
 bool resize_file(const path& p, long long size, std::error_code& ec)
 {
-    const std::string text = p.str();
-    const bool ok = ::truncate(text.c_str(), static_cast<off_t>(size)) == 0;
+    const bool ok = ::truncate(p.str().c_str(), static_cast<off_t>(size)) == 0;
     ec = last_error();
     return ok;
 }
 
 bool resize_file(const path& p, long long size)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return resize_file(p, size, ignored);
 }
 
 disk_space space(const path& p, std::error_code& ec)
 {
-    const std::string text = p.str();
     struct statfs status = {};
     disk_space bytes;
-    const bool ok = ::statfs(text.c_str(), &status) == 0;
+    const bool ok = ::statfs(p.str().c_str(), &status) == 0;
     ec = last_error();
     if (!ok)
         return bytes;
@@ -362,7 +328,7 @@ disk_space space(const path& p, std::error_code& ec)
 
 disk_space space(const path& p)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     return space(p, ignored);
 }
 
@@ -378,14 +344,13 @@ path current_path()
 
 void current_path(const path& p, std::error_code& ec)
 {
-    const std::string text = p.str();
-    static_cast<void>(::chdir(text.c_str()) == 0);
+    static_cast<void>(::chdir(p.str().c_str()) == 0);
     ec = last_error();
 }
 
 void current_path(const path& p)
 {
-    std::error_code ignored = no_error();
+    std::error_code ignored;
     current_path(p, ignored);
 }
 

@@ -3,7 +3,6 @@
 #include "myfs.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -18,12 +17,6 @@ namespace
 
 constexpr const char* kUncMarker = "\\\\";
 
-// Not is_separator(), which a program may replace and the compiler therefore not inline.
-bool separates(char c)
-{
-    return c == '/' || c == '\\';
-}
-
 bool is_unc_marker(const std::string& component)
 {
     return component == kUncMarker;
@@ -36,59 +29,12 @@ bool has_drive(const std::string& text)
 
 bool has_unc_prefix(const std::string& text)
 {
-    return text.size() > 2 && separates(text[0]) && separates(text[1]);
+    return text.size() > 2 && is_separator(text[0]) && is_separator(text[1]);
 }
 
 bool names_no_file(const std::string& component)
 {
     return is_unc_marker(component) || component.find(':') != std::string::npos;
-}
-
-std::size_t joined_bytes(const std::vector<std::string>& components)
-{
-    std::size_t bytes = components.size();
-    for (const std::string& component : components)
-        bytes += component.size();
-    return bytes;
-}
-
-struct Piece {
-    const char* start;
-    std::size_t length;
-};
-constexpr std::size_t kPiecesAtOnce = 16;
-
-template <typename IsDelimiter>
-std::vector<std::string> split(const std::string& text, IsDelimiter is_delimiter)
-{
-    // Intended: the empty text is one empty piece, the only empty piece there is.
-    if (text.empty())
-        return {std::string()};
-
-    std::vector<std::string> pieces;
-    std::array<Piece, kPiecesAtOnce> found;
-    std::size_t count = 0;
-    const auto keep_found = [&] {
-        pieces.reserve(pieces.size() + count);
-        for (std::size_t i = 0; i < count; ++i)
-            pieces.emplace_back(found[i].start, found[i].length);
-        count = 0;
-    };
-
-    const char* const last = text.data() + text.size();
-    for (const char* start = text.data(); start < last; ++start) {
-        const char* const begin = start;
-        while (start < last && !is_delimiter(*start))
-            ++start;
-        const auto length = static_cast<std::size_t>(start - begin);
-        if (length == 0 || (length == 1 && *begin == '.'))
-            continue;
-        found[count++] = {begin, length};
-        if (count == found.size())
-            keep_found();
-    }
-    keep_found();
-    return pieces;
 }
 
 } // namespace
@@ -135,7 +81,7 @@ path& path::operator=(const std::string& text)
 void path::set(const std::string& text, SYSPATHTYPE type)
 {
     m_type = type;
-    m_components = split(text, separates);
+    m_components = tokenize(text, "/\\");
     if (type != WINDOWS_PATH) {
         // Intended: a leading backslash separates but does not make the path absolute.
         m_absolute = !text.empty() && text[0] == '/';
@@ -214,8 +160,8 @@ path& path::append(const path& p)
     // Intended: an absolute path is ignored, or, by an empty path, taken without its root.
     if (!empty() && p.is_absolute())
         return *this;
+    // By index, and counted before, because `p` may be this path.
     const std::size_t count = p.m_components.size();
-    m_components.reserve(m_components.size() + count);
     for (std::size_t i = 0; i < count; ++i)
         m_components.push_back(p.m_components[i]);
     return *this;
@@ -356,7 +302,18 @@ bool is_separator(char c)
 
 std::vector<std::string> tokenize(const std::string& text, const std::string& delimiters)
 {
-    return split(text, [&](char c) { return delimiters.find(c) != std::string::npos; });
+    // Intended: the empty text is one empty piece, the only empty piece there is.
+    if (text.empty())
+        return {text};
+    std::vector<std::string> pieces;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find_first_of(delimiters, start), text.size());
+        const std::string piece = text.substr(start, end - start);
+        if (!piece.empty() && piece != ".")
+            pieces.push_back(piece);
+        start = end + 1;
+    }
+    return pieces;
 }
 
 void path_to_string(const std::vector<std::string>& components, std::string& out, bool absolute,
@@ -367,18 +324,13 @@ void path_to_string(const std::vector<std::string>& components, std::string& out
         return;
     const bool unc = is_unc_marker(components.front());
     if (type == path::POSIX_PATH && absolute && !unc)
-        out.push_back('/');
-    const std::size_t start = out.size();
-    out.resize(start + joined_bytes(components));
-    const char separator = type == path::WINDOWS_PATH ? '\\' : '/';
-    char* end = &out[start];
-    for (const std::string& component : components) {
-        end = std::copy(component.begin(), component.end(), end);
-        *end++ = separator;
+        out += '/';
+    out += components.front();
+    for (std::size_t i = 1; i < components.size(); ++i) {
+        if (i > 1 || !unc)
+            out += type == path::WINDOWS_PATH ? '\\' : '/';
+        out += components[i];
     }
-    out.pop_back();
-    if (unc && components.size() > 1)
-        out.erase(start + components.front().size(), 1);
 }
 
 } // namespace myfs
