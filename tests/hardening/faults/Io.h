@@ -17,7 +17,6 @@ public:
     struct Calls {
         int reads = 0;
         int writes = 0;
-        int systemCopies = 0;
         int closes = 0;
         int opens = 0;
         int stats = 0;
@@ -33,7 +32,6 @@ public:
     /// How many calls of its kind succeed before further ones fail; negative: all do.
     int readsBeforeError = -1;
     int writesBeforeError = -1;
-    int systemCopiesBeforeError = -1;
     int closesBeforeError = -1;
     /// The error of those calls.
     int error = 0;

@@ -96,16 +96,6 @@ ssize_t write(int file, const void* data, std::size_t bytes)
                     [=](std::size_t most) { return ::syscall(SYS_write, file, data, most); });
 }
 
-ssize_t copy_file_range(int in, off64_t* inAt, int out, off64_t* outAt, std::size_t bytes,
-                        unsigned flags)
-{
-    if (fails(out, &IoFaults::systemCopiesBeforeError, &Calls::systemCopies))
-        return error();
-    return cutShort(out, bytes, &Calls::systemCopies, [=](std::size_t most) {
-        return ::syscall(SYS_copy_file_range, in, inAt, out, outAt, most, flags);
-    });
-}
-
 int close(int file)
 {
     const bool failed = fails(file, &IoFaults::closesBeforeError, &Calls::closes);
