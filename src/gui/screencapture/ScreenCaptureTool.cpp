@@ -12,27 +12,32 @@ namespace
 
 const char* const kSettingsFile = "screencapture.ini";
 const char* const kColorGroup = "pen_color";
-const char* const kTextColor = "textColor";
 
-const QColor kDefaultPenColor(251, 56, 56, 255);
-const QColor kDefaultTextColor(0, 0, 0, 255);
+constexpr QColor kDefaultPenColor(251, 56, 56, 255);
+constexpr QColor kDefaultTextColor(0, 0, 0, 255);
 
-struct StoredColor {
+struct ToolColor {
     const char* key;
     QColor ScreenCaptureToolColors::*color;
+    QColor byDefault;
+    bool isStored;
 };
 
 // Intended: the text colour is read like any other, but neither handed out nor written.
-const StoredColor kStoredColors[] = {
-    {"scribbleColor", &ScreenCaptureToolColors::scribbleColor},
-    {"rectColor", &ScreenCaptureToolColors::rectColor},
-    {"ellipseColor", &ScreenCaptureToolColors::ellipseColor},
-    {"arrowColor", &ScreenCaptureToolColors::arrowColor},
+constexpr ToolColor kToolColors[] = {
+    {"scribbleColor", &ScreenCaptureToolColors::scribbleColor, kDefaultPenColor, true},
+    {"rectColor", &ScreenCaptureToolColors::rectColor, kDefaultPenColor, true},
+    {"ellipseColor", &ScreenCaptureToolColors::ellipseColor, kDefaultPenColor, true},
+    {"arrowColor", &ScreenCaptureToolColors::arrowColor, kDefaultPenColor, true},
+    {"textColor", &ScreenCaptureToolColors::textColor, kDefaultTextColor, false},
 };
+constexpr std::size_t kColorCount = sizeof(ScreenCaptureToolColors) / sizeof(QColor);
+static_assert(std::size(kToolColors) == kColorCount, "a colour without a row is never remembered");
 
 ScreenCaptureToolHelper s_Helper;
 
-// Qt creates a missing directory, which is the application's to create. An empty name has none.
+// QSettings creates a missing directory, which is the application's to create. An empty file name
+// has no directory.
 bool hasDirectory(const QString& file)
 {
     return QFileInfo::exists(QFileInfo(file).path());
@@ -42,9 +47,8 @@ bool hasDirectory(const QString& file)
 
 ScreenCaptureToolHelper::ScreenCaptureToolHelper()
 {
-    for (const StoredColor& stored : kStoredColors)
-        m_penColors[stored.key] = kDefaultPenColor;
-    m_penColors[kTextColor] = kDefaultTextColor;
+    for (const ToolColor& tool : kToolColors)
+        m_penColors[tool.key] = tool.byDefault;
 }
 
 void ScreenCaptureTool::init(const QString& dir)
@@ -55,7 +59,7 @@ void ScreenCaptureTool::init(const QString& dir)
 
     QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
     settings.beginGroup(kColorGroup);
-    // Intended: every entry is loaded, and one that is no number is a transparent black.
+    // Intended: every entry is loaded, and an entry that is not a number is a transparent black.
     for (const QString& key : settings.allKeys())
         s_Helper.m_penColors[key] = QColor::fromRgba(settings.value(key, QVariant()).toUInt());
     settings.endGroup();
@@ -63,21 +67,24 @@ void ScreenCaptureTool::init(const QString& dir)
 
 void ScreenCaptureTool::penColor(ScreenCaptureToolColors& colors)
 {
-    for (const StoredColor& stored : kStoredColors)
-        colors.*stored.color = s_Helper.m_penColors[stored.key];
+    for (const ToolColor& tool : kToolColors) {
+        if (tool.isStored)
+            colors.*tool.color = s_Helper.m_penColors[tool.key];
+    }
 }
 
 void ScreenCaptureTool::setPenColor(const ScreenCaptureToolColors& colors)
 {
-    for (const StoredColor& stored : kStoredColors)
-        s_Helper.m_penColors[stored.key] = colors.*stored.color;
-    s_Helper.m_penColors[kTextColor] = colors.textColor;
+    for (const ToolColor& tool : kToolColors)
+        s_Helper.m_penColors[tool.key] = colors.*tool.color;
     if (!hasDirectory(s_Helper.m_iniPath))
         return;
 
     QSettings settings(s_Helper.m_iniPath, QSettings::IniFormat);
     settings.beginGroup(kColorGroup);
-    for (const StoredColor& stored : kStoredColors)
-        settings.setValue(stored.key, QVariant(uint((colors.*stored.color).rgba())));
+    for (const ToolColor& tool : kToolColors) {
+        if (tool.isStored)
+            settings.setValue(tool.key, QVariant(uint((colors.*tool.color).rgba())));
+    }
     settings.endGroup();
 }
