@@ -29,8 +29,6 @@ constexpr int kMinRegionSidePx = 3;
 constexpr qreal kGrabWindowBorderPx = 4.0;
 constexpr QSize kGrabWindowInsetPx(4, 4);
 
-const char* const kSelectionColor = "#00aacc";
-
 // The mosaic works on 8 bits a channel, which not every display has.
 QImage in8BitsAChannel(const QImage& image)
 {
@@ -114,7 +112,7 @@ void ScreenCaptureWnd::initCaptureRect()
 {
     m_rectCapture = new ResizableRect(this, QRect());
     m_rectCapture->setBorderSolidPaint(true);
-    m_rectCapture->setColor(QColor(kSelectionColor));
+    m_rectCapture->setColor(QColor(style::kAccentColor));
     m_rectCapture->setSizeInforVisible(true);
 }
 
@@ -123,7 +121,7 @@ void ScreenCaptureWnd::initMagnifier()
     m_magnifier = new MagnifierWidget(this);
     m_magnifier->setStyleSheet(style::kTransparent);
     m_magnifier->setSize(overlay::kLoupeSidePx);
-    m_magnifier->setCrossColor(QColor(kSelectionColor));
+    m_magnifier->setCrossColor(QColor(style::kAccentColor));
     updateMagnifierAtCursor();
 }
 

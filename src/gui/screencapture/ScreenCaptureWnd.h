@@ -127,6 +127,9 @@ protected:
 private:
     enum CaptureState { StateIdle = 0, StateSelecting = 1, StateSelected = 2, StateAnnotating = 3 };
 
+    /// One of the drawing tools, which ScreenCaptureWndToolBars.cpp lists.
+    struct Tool;
+
     /// Tests put a tool in the user's hand through this.
     friend struct ScreenCaptureWndAccess;
 
@@ -139,13 +142,7 @@ private:
     void initMagnifier();
     void initToolBars();
     void initSubToolBar();
-    QWidget* createToolBar(const QString& name, const QMargins& margins);
-    QPushButton* createToolButton(const QString& name, const QString& toolTip);
-    QPushButton* createCommandButton(const QString& name, const QString& toolTip, const char* slot);
-    QPushButton* createDoneButton();
     QLabel* createSeparator();
-    QComboBox* createFontSizeBox();
-    QWidget* createMosaicPanel();
     void initScribbleArea();
 
     QString askForFileName();
@@ -162,11 +159,8 @@ private:
 
     void beginAnnotating();
     void applyCheckedTool();
-    void uncheckTools();
     void updateRedoButton() const;
     void updateRedoButtonLater();
-    void chooseGraph(int state, const QPen& pen);
-    void showPenSettings(const QPen& pen);
     void showSubToolBarForPen();
     void showSubToolBarForText();
     void showSubToolBarForMosaic();

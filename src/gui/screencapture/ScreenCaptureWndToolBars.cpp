@@ -20,6 +20,9 @@
 #include <QStyle>
 #include <QStyleOption>
 
+#include <algorithm>
+#include <initializer_list>
+
 namespace
 {
 
@@ -40,7 +43,6 @@ constexpr int kMinBlurPx = 4;
 constexpr int kMaxBlurPx = 20;
 constexpr QSize kMosaicBarExtraPx(10, 0);
 
-// Intended: the brush is always so much wider than the width that is shown.
 constexpr int kMosaicExtraWidthPx = 15;
 
 // Intended: kept beside the window, which does not use it.
@@ -51,8 +53,8 @@ QString icon(const QString& name)
     return QStringLiteral(":/scribble/%1.png").arg(name);
 }
 
-// A style fades a disabled icon into the window colour of the palette, which may be dark. The bars
-// are white.
+// A style fades a disabled icon into the palette's window colour, which may be dark. The bars are
+// white.
 QIcon paleWhileDisabled(const QString& name)
 {
     QStyleOption option;
@@ -75,7 +77,7 @@ QPen withColor(QPen pen, const QColor& color)
     return pen;
 }
 
-// Style sheets count the border apart from the size.
+// In a style sheet, the size does not include the border.
 QString sizeRule(const QString& selector, const QSize& size, int borderPx = 0,
                  const QString& borderColor = QStringLiteral("silver"))
 {
@@ -87,10 +89,10 @@ QString sizeRule(const QString& selector, const QSize& size, int borderPx = 0,
         .arg(size.height() - 2 * borderPx);
 }
 
-// An application's style sheet sets margins, frames and sizes for which the bars have no room, and
-// may not tell the chosen tool from the others. A sheet of the window is nearer than that one.
-// Without one the widgets keep the look of the application's style.
-void holdAgainstApplicationStyles(QWidget* window, const QString& textBoxRule = QString())
+// An application's style sheet may set margins, frames and sizes for which the bars have no room,
+// and may not tell the chosen tool from the others. The window's style sheet takes precedence over
+// it. Without an application style sheet the widgets keep the look of the application's style.
+void overrideApplicationStyles(QWidget* window, const QString& textBoxRule = QString())
 {
     if (qApp->styleSheet().isEmpty())
         return;
@@ -100,91 +102,36 @@ void holdAgainstApplicationStyles(QWidget* window, const QString& textBoxRule = 
         "#subToolBar QLabel, #subToolBar QSlider { min-width: 0; min-height: 0 }" +
         sizeRule("#mainToolBar", QSize(0, kMainBarHeightPx)) +
         sizeRule("#mainToolBar QPushButton", kButtonSizePx, 1) +
-        sizeRule("#mainToolBar QPushButton:checked", kButtonSizePx, 2, "#00aacc") +
+        sizeRule("#mainToolBar QPushButton:checked", kButtonSizePx, 2, style::kAccentColor) +
         sizeRule("#mainToolBar #doneButton", kDoneButtonSizePx, 1) +
         sizeRule("#mainToolBar QLabel", kSeparatorSizePx) +
         sizeRule("#subToolBar QComboBox", kFontSizeBoxSizePx, 1) +
         sizeRule("#mosaicPanel", kMosaicPanelSizePx) + textBoxRule);
 }
 
-} // namespace
-
-void ScreenCaptureWnd::initToolBars()
-{
-    constexpr int m = kMainBarMarginPx;
-    m_mainToolBar = createToolBar(QStringLiteral("mainToolBar"), QMargins(m, m, m, m));
-    m_mainToolBar->setFixedHeight(kMainBarHeightPx);
-
-    m_btnScribble = createToolButton("pen", tr("scribble"));
-    m_btnText = createToolButton("text", tr("text"));
-    m_btnArrow = createToolButton("arrow", tr("Arrow"));
-    m_btnRect = createToolButton("rect", tr("Rectangle"));
-    m_btnEllipse = createToolButton("circle", tr("Ellipse"));
-    m_btnMosaic = createToolButton("mosaic", tr("Mosaic"));
-    QPushButton* btnUndo = createCommandButton("undo", tr("undo"), SLOT(undo()));
-    btnUndo->setFixedSize(kButtonSizePx);
-    btnUndo->setShortcut(QKeySequence::Undo);
-    m_btnRedo = createCommandButton("redo", tr("redo"), SLOT(redo()));
-    m_btnRedo->setIcon(paleWhileDisabled("redo"));
-    m_btnRedo->setEnabled(false);
-    m_btnRedo->setShortcut(QKeySequence::Redo);
-    // Intended: the redo button keeps the size that the layout gives it.
-    m_btnScribble->setFixedSize(kButtonSizePx);
-    QPushButton* btnSave = createCommandButton("save", tr("save"), SLOT(save()));
-    btnSave->setFixedSize(kButtonSizePx);
-    QPushButton* btnClose = createCommandButton("close", tr("close"), SLOT(reject()));
-    btnClose->setFixedSize(kButtonSizePx);
-
-    QLayout* layout = m_mainToolBar->layout();
-    layout->addWidget(m_btnScribble);
-    layout->addWidget(m_btnText);
-    layout->addWidget(m_btnArrow);
-    layout->addWidget(m_btnRect);
-    layout->addWidget(m_btnEllipse);
-    layout->addWidget(m_btnMosaic);
-    layout->addWidget(createSeparator());
-    layout->addWidget(btnUndo);
-    layout->addWidget(m_btnRedo);
-    layout->addWidget(btnSave);
-    layout->addWidget(createSeparator());
-    layout->addWidget(btnClose);
-    layout->addWidget(createDoneButton());
-
-    initSubToolBar();
-    holdAgainstApplicationStyles(this);
-}
-
 // A press between the buttons, or with another button than the left, must not reach the window
 // beneath: there a double-click finishes the capture and a right click drops the region.
-QWidget* ScreenCaptureWnd::createToolBar(const QString& name, const QMargins& margins)
+QWidget* createToolBar(QWidget* window, const QString& name, int marginPx)
 {
-    auto* bar = new QWidget(this);
+    auto* bar = new QWidget(window);
     bar->setObjectName(name);
     bar->setStyleSheet(style::kToolBar);
     bar->setCursor(Qt::ArrowCursor);
     bar->setAttribute(Qt::WA_NoMousePropagation);
-    bar->installEventFilter(this);
+    bar->installEventFilter(window);
     bar->hide();
-    // What the style sheet paints is opaque; told so, Qt moves the bar's pixels instead of painting
-    // them anew. A style sheet takes this back when it is applied, so it comes first.
+    // The style sheet paints an opaque background. With this property Qt scrolls the pixels of a
+    // moved bar instead of repainting them. Polishing resets the property, so it comes first.
     bar->ensurePolished();
     bar->setAutoFillBackground(true);
-    (new QHBoxLayout(bar))->setContentsMargins(margins);
+    (new QHBoxLayout(bar))->setContentsMargins(marginPx, marginPx, marginPx, marginPx);
     return bar;
-}
-
-QPushButton* ScreenCaptureWnd::createToolButton(const QString& name, const QString& toolTip)
-{
-    QPushButton* button = createCommandButton(name, toolTip, SLOT(onPaintTypeChanged()));
-    button->setFixedSize(kButtonSizePx);
-    button->setCheckable(true);
-    return button;
 }
 
 // A click leaves the focus with the text that is being typed. Not an auto-default button, so that
 // Enter finishes the capture whichever button has the focus.
-QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QString& toolTip,
-                                                   const char* slot)
+QPushButton* createCommandButton(QWidget* window, const QString& name, const QString& toolTip,
+                                 const char* slot)
 {
     auto* button = new QPushButton(QIcon(icon(name)), QString());
     button->setToolTip(toolTip);
@@ -192,20 +139,253 @@ QPushButton* ScreenCaptureWnd::createCommandButton(const QString& name, const QS
     button->setAccessibleName(toolTip);
     button->setAutoDefault(false);
     button->setFocusPolicy(Qt::TabFocus);
-    connect(button, SIGNAL(clicked()), this, slot);
+    QObject::connect(button, SIGNAL(clicked()), window, slot);
     return button;
 }
 
-QPushButton* ScreenCaptureWnd::createDoneButton()
+QPushButton* createToolButton(QWidget* window, const QString& name, const QString& toolTip)
 {
-    auto* button = new QPushButton(QIcon(icon("done")), tr("done"));
+    QPushButton* button = createCommandButton(window, name, toolTip, SLOT(onPaintTypeChanged()));
+    button->setFixedSize(kButtonSizePx);
+    button->setCheckable(true);
+    return button;
+}
+
+QPushButton* createDoneButton(QWidget* window)
+{
+    auto* button = new QPushButton(QIcon(icon("done")), ScreenCaptureWnd::tr("done"));
     button->setObjectName(QStringLiteral("doneButton"));
     button->setFixedSize(kDoneButtonSizePx);
     button->setStyleSheet(style::kDarkText);
     button->setDefault(true);
     button->setAutoDefault(false);
-    connect(button, SIGNAL(clicked()), this, SLOT(onBtnSend()));
+    QObject::connect(button, SIGNAL(clicked()), window, SLOT(onBtnSend()));
     return button;
+}
+
+QLabel* createFontSizeLabel(QWidget* bar)
+{
+    auto* label = new QLabel(bar);
+    label->setPixmap(QPixmap(icon("text")));
+    label->setMargin(kFontSizeLabelMarginPx);
+    return label;
+}
+
+QComboBox* createFontSizeBox(QWidget* window, QWidget* bar)
+{
+    // Pass the parent here: reparenting a filled combo box measures its items, which loads fonts
+    // before the first frame.
+    auto* box = new QComboBox(bar);
+    box->setFixedSize(kFontSizeBoxSizePx);
+    box->setStyleSheet(style::kDarkText);
+    box->setAccessibleName(ScreenCaptureWnd::tr("Font size"));
+    box->setFocusPolicy(Qt::TabFocus);
+    for (const int size : kFontSizesPt)
+        box->addItem(QString::number(size));
+    QObject::connect(box, SIGNAL(currentIndexChanged(QString)), window,
+                     SLOT(onFontSizeChanged(QString)));
+    return box;
+}
+
+QSlider* createBlurSlider(QWidget* window)
+{
+    auto* slider = new QSlider(Qt::Horizontal);
+    slider->setFixedSize(kBlurSliderSizePx);
+    slider->setRange(kMinBlurPx, kMaxBlurPx);
+    slider->setSingleStep(1);
+    slider->setPageStep(1);
+    slider->setToolTip(ScreenCaptureWnd::tr("Blur"));
+    slider->setAccessibleName(ScreenCaptureWnd::tr("Blur"));
+    slider->setFocusPolicy(Qt::TabFocus);
+    QObject::connect(slider, SIGNAL(valueChanged(int)), window, SLOT(onMosaicBlurChanged(int)));
+    return slider;
+}
+
+QWidget* createMosaicPanel(QWidget* window)
+{
+    auto* panel = new QWidget;
+    panel->setObjectName(QStringLiteral("mosaicPanel"));
+    panel->setFixedSize(kMosaicPanelSizePx);
+    auto* label = new QLabel(ScreenCaptureWnd::tr("Blur"));
+    label->setStyleSheet(style::kDarkText);
+    auto* layout = new QHBoxLayout(panel);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(label);
+    layout->addWidget(createBlurSlider(window));
+    return panel;
+}
+
+// A button that is held while the bar is hidden is clicked when it is released.
+void uncheckButtons(const QWidget* bar)
+{
+    for (QAbstractButton* button : bar->findChildren<QAbstractButton*>())
+        button->setChecked(false);
+}
+
+void useShape(ScribbleArea& canvas, ScribbleArea::GRAPH_STATE shape)
+{
+    canvas.setPaintTypeToGraph();
+    canvas.setGraphState(shape);
+    if (shape == ScribbleArea::GRAPH_ARROW)
+        canvas.initArrow();
+}
+
+} // namespace
+
+// What a tool is. A new one takes a row below, and a place in each of the three orders.
+struct Q_DECL_HIDDEN ScreenCaptureWnd::Tool {
+    QPushButton* ScreenCaptureWnd::*button;
+    const char* icon;
+    const char* toolTip;
+    void (*use)(ScribbleArea& canvas);
+    // Null for text, which has no pen.
+    QPen (ScribbleArea::*pen)() const;
+    void (ScribbleArea::*setPen)(const QPen& pen);
+    // Null for the mosaic, which has no colour.
+    QColor ScreenCaptureToolColors::*color;
+    void (ScreenCaptureWnd::*showSubToolBar)();
+    // Intended: the pen is that much wider than the width that is shown.
+    int extraPenWidthPx = 0;
+
+    static const Tool kScribble;
+    static const Tool kText;
+    static const Tool kArrow;
+    static const Tool kRect;
+    static const Tool kEllipse;
+    static const Tool kMosaic;
+
+    using Order = std::initializer_list<const Tool*>;
+    // Left to right in the bar.
+    static constexpr Order kBarOrder{&kScribble, &kText, &kArrow, &kRect, &kEllipse, &kMosaic};
+    // Intended: of several checked tools, the one to use and the one whose width and colour change
+    // are looked for in different orders.
+    static constexpr Order kUseOrder{&kScribble, &kText, &kRect, &kArrow, &kEllipse, &kMosaic};
+    static constexpr Order kSettingsOrder{&kScribble, &kText, &kRect, &kEllipse, &kArrow, &kMosaic};
+    static_assert(kUseOrder.size() == kBarOrder.size());
+    static_assert(kSettingsOrder.size() == kBarOrder.size());
+
+    static const Tool* firstChecked(const ScreenCaptureWnd& window, Order order);
+    void setWidth(ScribbleArea& canvas, int width) const;
+    void setColor(ScribbleArea& canvas, const QColor& c) const;
+};
+
+const ScreenCaptureWnd::Tool ScreenCaptureWnd::Tool::kScribble{
+    &ScreenCaptureWnd::m_btnScribble,
+    "pen",
+    QT_TRANSLATE_NOOP("ScreenCaptureWnd", "scribble"),
+    [](ScribbleArea& canvas) { canvas.setPaintTypeToScribble(); },
+    &ScribbleArea::scribblePen,
+    &ScribbleArea::setScribblePen,
+    &ScreenCaptureToolColors::scribbleColor,
+    &ScreenCaptureWnd::showSubToolBarForPen};
+
+const ScreenCaptureWnd::Tool ScreenCaptureWnd::Tool::kText{
+    &ScreenCaptureWnd::m_btnText,
+    "text",
+    QT_TRANSLATE_NOOP("ScreenCaptureWnd", "text"),
+    [](ScribbleArea& canvas) { canvas.setPaintTypeToText(); },
+    nullptr,
+    nullptr,
+    &ScreenCaptureToolColors::textColor,
+    &ScreenCaptureWnd::showSubToolBarForText};
+
+const ScreenCaptureWnd::Tool ScreenCaptureWnd::Tool::kArrow{
+    &ScreenCaptureWnd::m_btnArrow,
+    "arrow",
+    QT_TRANSLATE_NOOP("ScreenCaptureWnd", "Arrow"),
+    [](ScribbleArea& canvas) { useShape(canvas, ScribbleArea::GRAPH_ARROW); },
+    &ScribbleArea::arrowPen,
+    &ScribbleArea::setArrowPen,
+    &ScreenCaptureToolColors::arrowColor,
+    &ScreenCaptureWnd::showSubToolBarForPen};
+
+const ScreenCaptureWnd::Tool ScreenCaptureWnd::Tool::kRect{
+    &ScreenCaptureWnd::m_btnRect,
+    "rect",
+    QT_TRANSLATE_NOOP("ScreenCaptureWnd", "Rectangle"),
+    [](ScribbleArea& canvas) { useShape(canvas, ScribbleArea::GRAPH_RECT); },
+    &ScribbleArea::rectPen,
+    &ScribbleArea::setRectPen,
+    &ScreenCaptureToolColors::rectColor,
+    &ScreenCaptureWnd::showSubToolBarForPen};
+
+const ScreenCaptureWnd::Tool ScreenCaptureWnd::Tool::kEllipse{
+    &ScreenCaptureWnd::m_btnEllipse,
+    "circle",
+    QT_TRANSLATE_NOOP("ScreenCaptureWnd", "Ellipse"),
+    [](ScribbleArea& canvas) { useShape(canvas, ScribbleArea::GRAPH_ELLIPSE); },
+    &ScribbleArea::ellipsePen,
+    &ScribbleArea::setEllipsePen,
+    &ScreenCaptureToolColors::ellipseColor,
+    &ScreenCaptureWnd::showSubToolBarForPen};
+
+const ScreenCaptureWnd::Tool ScreenCaptureWnd::Tool::kMosaic{
+    &ScreenCaptureWnd::m_btnMosaic,
+    "mosaic",
+    QT_TRANSLATE_NOOP("ScreenCaptureWnd", "Mosaic"),
+    [](ScribbleArea& canvas) { canvas.setPaintTypeToMosaic(); },
+    &ScribbleArea::mosaicPen,
+    &ScribbleArea::setMosaicPen,
+    nullptr,
+    &ScreenCaptureWnd::showSubToolBarForMosaic,
+    kMosaicExtraWidthPx};
+
+const ScreenCaptureWnd::Tool* ScreenCaptureWnd::Tool::firstChecked(const ScreenCaptureWnd& window,
+                                                                   Order order)
+{
+    const auto* found = std::find_if(order.begin(), order.end(), [&window](const Tool* tool) {
+        return (window.*tool->button)->isChecked();
+    });
+    return found != order.end() ? *found : nullptr;
+}
+
+void ScreenCaptureWnd::Tool::setWidth(ScribbleArea& canvas, int width) const
+{
+    if (pen)
+        (canvas.*setPen)(withWidth((canvas.*pen)(), width + extraPenWidthPx));
+}
+
+void ScreenCaptureWnd::Tool::setColor(ScribbleArea& canvas, const QColor& c) const
+{
+    if (pen)
+        (canvas.*setPen)(withColor((canvas.*pen)(), c));
+    else
+        canvas.setTextColor(c);
+}
+
+void ScreenCaptureWnd::initToolBars()
+{
+    m_mainToolBar = createToolBar(this, QStringLiteral("mainToolBar"), kMainBarMarginPx);
+    m_mainToolBar->setFixedHeight(kMainBarHeightPx);
+    for (const Tool* tool : Tool::kBarOrder)
+        this->*tool->button = createToolButton(this, tool->icon, tr(tool->toolTip));
+    QPushButton* btnUndo = createCommandButton(this, "undo", tr("undo"), SLOT(undo()));
+    btnUndo->setFixedSize(kButtonSizePx);
+    btnUndo->setShortcut(QKeySequence::Undo);
+    m_btnRedo = createCommandButton(this, "redo", tr("redo"), SLOT(redo()));
+    m_btnRedo->setIcon(paleWhileDisabled("redo"));
+    m_btnRedo->setEnabled(false);
+    m_btnRedo->setShortcut(QKeySequence::Redo);
+    // Intended: the redo button keeps the size that the layout gives it.
+    m_btnScribble->setFixedSize(kButtonSizePx);
+    QPushButton* btnSave = createCommandButton(this, "save", tr("save"), SLOT(save()));
+    btnSave->setFixedSize(kButtonSizePx);
+    QPushButton* btnClose = createCommandButton(this, "close", tr("close"), SLOT(reject()));
+    btnClose->setFixedSize(kButtonSizePx);
+
+    QLayout* layout = m_mainToolBar->layout();
+    for (const Tool* tool : Tool::kBarOrder)
+        layout->addWidget(this->*tool->button);
+    layout->addWidget(createSeparator());
+    layout->addWidget(btnUndo);
+    layout->addWidget(m_btnRedo);
+    layout->addWidget(btnSave);
+    layout->addWidget(createSeparator());
+    layout->addWidget(btnClose);
+    layout->addWidget(createDoneButton(this));
+
+    initSubToolBar();
+    overrideApplicationStyles(this);
 }
 
 QLabel* ScreenCaptureWnd::createSeparator()
@@ -218,7 +398,7 @@ QLabel* ScreenCaptureWnd::createSeparator()
 
 void ScreenCaptureWnd::initSubToolBar()
 {
-    m_subToolBar = createToolBar(QStringLiteral("subToolBar"), QMargins(0, 0, 0, 0));
+    m_subToolBar = createToolBar(this, QStringLiteral("subToolBar"), 0);
 
     m_penWidthWidget = new PenWidthWidget(m_subToolBar);
     connect(m_penWidthWidget, SIGNAL(currentWidthChanged(int)), this, SLOT(onPenWidthChanged(int)));
@@ -226,11 +406,9 @@ void ScreenCaptureWnd::initSubToolBar()
     m_colorWidget->setAccessibleName(tr("Color"));
     connect(m_colorWidget, SIGNAL(currentColorChanged(QColor)), this,
             SLOT(onPenColorChanged(QColor)));
-    m_fontSizeLabel = new QLabel(m_subToolBar);
-    m_fontSizeLabel->setPixmap(QPixmap(icon("text")));
-    m_fontSizeLabel->setMargin(kFontSizeLabelMarginPx);
-    m_fontSizeBox = createFontSizeBox();
-    m_mosaicPanel = createMosaicPanel();
+    m_fontSizeLabel = createFontSizeLabel(m_subToolBar);
+    m_fontSizeBox = createFontSizeBox(this, m_subToolBar);
+    m_mosaicPanel = createMosaicPanel(this);
 
     QLayout* layout = m_subToolBar->layout();
     layout->addWidget(m_fontSizeLabel);
@@ -239,44 +417,6 @@ void ScreenCaptureWnd::initSubToolBar()
     layout->addWidget(createSeparator());
     layout->addWidget(m_mosaicPanel);
     layout->addWidget(m_colorWidget);
-}
-
-QComboBox* ScreenCaptureWnd::createFontSizeBox()
-{
-    // A child from the start: a new parent has it measure its items, for which fonts are loaded.
-    auto* box = new QComboBox(m_subToolBar);
-    box->setFixedSize(kFontSizeBoxSizePx);
-    box->setStyleSheet(style::kDarkText);
-    box->setAccessibleName(tr("Font size"));
-    box->setFocusPolicy(Qt::TabFocus);
-    for (const int size : kFontSizesPt)
-        box->addItem(QString::number(size));
-    connect(box, SIGNAL(currentIndexChanged(QString)), this, SLOT(onFontSizeChanged(QString)));
-    return box;
-}
-
-QWidget* ScreenCaptureWnd::createMosaicPanel()
-{
-    auto* panel = new QWidget;
-    panel->setObjectName(QStringLiteral("mosaicPanel"));
-    panel->setFixedSize(kMosaicPanelSizePx);
-    auto* slider = new QSlider(Qt::Horizontal);
-    slider->setFixedSize(kBlurSliderSizePx);
-    slider->setRange(kMinBlurPx, kMaxBlurPx);
-    slider->setSingleStep(1);
-    slider->setPageStep(1);
-    slider->setToolTip(tr("Blur"));
-    slider->setAccessibleName(tr("Blur"));
-    slider->setFocusPolicy(Qt::TabFocus);
-    connect(slider, SIGNAL(valueChanged(int)), this, SLOT(onMosaicBlurChanged(int)));
-
-    auto* label = new QLabel(tr("Blur"));
-    label->setStyleSheet(style::kDarkText);
-    auto* layout = new QHBoxLayout(panel);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(label);
-    layout->addWidget(slider);
-    return panel;
 }
 
 // The canvas is created once and reused; each time it takes the region's pixels from the desktop.
@@ -301,11 +441,10 @@ void ScreenCaptureWnd::setScribbleAreaToolColor(const ScreenCaptureToolColors& c
 {
     if (!m_scribbleArea)
         return;
-    ScribbleArea& canvas = *m_scribbleArea;
-    canvas.setScribblePen(withColor(canvas.scribblePen(), colors.scribbleColor));
-    canvas.setRectPen(withColor(canvas.rectPen(), colors.rectColor));
-    canvas.setEllipsePen(withColor(canvas.ellipsePen(), colors.ellipseColor));
-    canvas.setArrowPen(withColor(canvas.arrowPen(), colors.arrowColor));
+    for (const Tool* tool : Tool::kSettingsOrder) {
+        if (tool->pen && tool->color)
+            tool->setColor(*m_scribbleArea, colors.*tool->color);
+    }
 }
 
 // The buttons are made exclusive by hand. Intended: a click that unchecks the chosen tool leaves it
@@ -313,7 +452,7 @@ void ScreenCaptureWnd::setScribbleAreaToolColor(const ScreenCaptureToolColors& c
 void ScreenCaptureWnd::onPaintTypeChanged()
 {
     if (m_state < StateSelected) {
-        uncheckTools();
+        uncheckButtons(m_mainToolBar);
         return;
     }
     if (m_state == StateSelected)
@@ -321,15 +460,8 @@ void ScreenCaptureWnd::onPaintTypeChanged()
     if (m_checkedButton)
         m_checkedButton->setChecked(false);
     applyCheckedTool();
-    // A shape that the change of tool committed leaves nothing to redo.
+    // The change of tool may have committed a shape, which discards what could be redone.
     updateRedoButton();
-}
-
-// A button that is held while the bar goes away is clicked when it is let go.
-void ScreenCaptureWnd::uncheckTools()
-{
-    for (QAbstractButton* button : m_mainToolBar->findChildren<QAbstractButton*>())
-        button->setChecked(false);
 }
 
 // Intended: the sub bar is placed with the height it has before it is shown and sized for the tool.
@@ -344,48 +476,21 @@ void ScreenCaptureWnd::beginAnnotating()
 
 void ScreenCaptureWnd::applyCheckedTool()
 {
-    if (m_btnScribble->isChecked()) {
-        m_checkedButton = m_btnScribble;
-        m_scribbleArea->setPaintTypeToScribble();
-        showPenSettings(m_scribbleArea->scribblePen());
-    } else if (m_btnText->isChecked()) {
-        m_checkedButton = m_btnText;
-        m_scribbleArea->setPaintTypeToText();
-        // Until a colour is chosen for text, it has the one that the palette's box shows.
-        if (!m_textColorChosen)
-            m_scribbleArea->setTextColor(m_colorWidget->color());
-        showSubToolBarForText();
-    } else if (m_btnRect->isChecked()) {
-        m_checkedButton = m_btnRect;
-        chooseGraph(ScribbleArea::GRAPH_RECT, m_scribbleArea->rectPen());
-    } else if (m_btnArrow->isChecked()) {
-        m_checkedButton = m_btnArrow;
-        chooseGraph(ScribbleArea::GRAPH_ARROW, m_scribbleArea->arrowPen());
-    } else if (m_btnEllipse->isChecked()) {
-        m_checkedButton = m_btnEllipse;
-        chooseGraph(ScribbleArea::GRAPH_ELLIPSE, m_scribbleArea->ellipsePen());
-    } else if (m_btnMosaic->isChecked()) {
-        m_checkedButton = m_btnMosaic;
-        m_scribbleArea->setPaintTypeToMosaic();
-        m_penWidthWidget->setWidth(m_scribbleArea->mosaicPen().width() - kMosaicExtraWidthPx);
-        showSubToolBarForMosaic();
+    const Tool* tool = Tool::firstChecked(*this, Tool::kUseOrder);
+    if (!tool)
+        return;
+    m_checkedButton = this->*tool->button;
+    tool->use(*m_scribbleArea);
+    if (tool->pen) {
+        const QPen pen = (m_scribbleArea->*tool->pen)();
+        m_penWidthWidget->setWidth(pen.width() - tool->extraPenWidthPx);
+        if (tool->color)
+            m_colorWidget->setColor(pen.color());
     }
-}
-
-void ScreenCaptureWnd::chooseGraph(int state, const QPen& pen)
-{
-    m_scribbleArea->setPaintTypeToGraph();
-    m_scribbleArea->setGraphState(state);
-    if (state == ScribbleArea::GRAPH_ARROW)
-        m_scribbleArea->initArrow();
-    showPenSettings(pen);
-}
-
-void ScreenCaptureWnd::showPenSettings(const QPen& pen)
-{
-    m_penWidthWidget->setWidth(pen.width());
-    m_colorWidget->setColor(pen.color());
-    showSubToolBarForPen();
+    // Until a colour is chosen for text, it has the one that the palette's box shows.
+    if (tool == &Tool::kText && !m_textColorChosen)
+        m_scribbleArea->setTextColor(m_colorWidget->color());
+    (this->*tool->showSubToolBar)();
 }
 
 void ScreenCaptureWnd::showSubToolBarForPen()
@@ -431,26 +536,15 @@ void ScreenCaptureWnd::onFontSizeChanged(const QString& size)
     if (!m_btnText->isChecked())
         return;
     m_scribbleArea->setTextFontSize(size.toInt());
-    holdAgainstApplicationStyles(this, QString(style::kTextBoxOfSize).arg(size));
+    overrideApplicationStyles(this, QString(style::kTextBoxOfSize).arg(size));
 }
 
 // Widths are not remembered between captures.
 void ScreenCaptureWnd::onPenWidthChanged(int width)
 {
     Q_ASSERT(m_scribbleArea != NULL);
-    ScribbleArea& canvas = *m_scribbleArea;
-    if (m_btnScribble->isChecked())
-        canvas.setScribblePen(withWidth(canvas.scribblePen(), width));
-    else if (m_btnText->isChecked())
-        return;
-    else if (m_btnRect->isChecked())
-        canvas.setRectPen(withWidth(canvas.rectPen(), width));
-    else if (m_btnEllipse->isChecked())
-        canvas.setEllipsePen(withWidth(canvas.ellipsePen(), width));
-    else if (m_btnArrow->isChecked())
-        canvas.setArrowPen(withWidth(canvas.arrowPen(), width));
-    else if (m_btnMosaic->isChecked())
-        canvas.setMosaicPen(withWidth(canvas.mosaicPen(), width + kMosaicExtraWidthPx));
+    if (const Tool* tool = Tool::firstChecked(*this, Tool::kSettingsOrder))
+        tool->setWidth(*m_scribbleArea, width);
 }
 
 // Intended: the colours are stored also when the tool has none. penColorChanged() is not emitted.
@@ -458,25 +552,13 @@ void ScreenCaptureWnd::onPenWidthChanged(int width)
 void ScreenCaptureWnd::onPenColorChanged(QColor c)
 {
     Q_ASSERT(m_scribbleArea != NULL);
-    ScribbleArea& canvas = *m_scribbleArea;
     ScreenCaptureToolColors colors;
     ScreenCaptureTool::penColor(colors);
-    if (m_btnScribble->isChecked()) {
-        canvas.setScribblePen(withColor(canvas.scribblePen(), c));
-        colors.scribbleColor = c;
-    } else if (m_btnText->isChecked()) {
-        canvas.setTextColor(c);
-        m_textColorChosen = true;
-        colors.textColor = c;
-    } else if (m_btnRect->isChecked()) {
-        canvas.setRectPen(withColor(canvas.rectPen(), c));
-        colors.rectColor = c;
-    } else if (m_btnEllipse->isChecked()) {
-        canvas.setEllipsePen(withColor(canvas.ellipsePen(), c));
-        colors.ellipseColor = c;
-    } else if (m_btnArrow->isChecked()) {
-        canvas.setArrowPen(withColor(canvas.arrowPen(), c));
-        colors.arrowColor = c;
+    const Tool* tool = Tool::firstChecked(*this, Tool::kSettingsOrder);
+    if (tool && tool->color) {
+        tool->setColor(*m_scribbleArea, c);
+        colors.*tool->color = c;
+        m_textColorChosen = m_textColorChosen || tool == &Tool::kText;
     }
     ScreenCaptureTool::setPenColor(colors);
 }

@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// Style sheets that several widgets share.
+/// The look that several widgets share: style sheets and colours.
 namespace style
 {
 
-/// Intended: the closing brace without an opening one stands as it is. Qt says that it cannot parse
-/// this, and applies what stands before the brace.
+/// Frames what is selected or chosen.
+constexpr const char* kAccentColor = "#00aacc";
+
+/// Intended: the closing brace without an opening one. Qt warns that it cannot parse the sheet, and
+/// applies what precedes the brace.
 constexpr const char* kTransparent =
     "background:rgba(0,0,0,0%); border-width:0; border-style:outset}";
 
 constexpr const char* kToolBar = "background:rgba(255,255,255,100%)";
 
-/// The bars, and the tool tips over them, are white on any desktop, so what is written there must
-/// be dark on any.
+/// The bars and their tool tips are white on any desktop, so their text must be dark on any.
 constexpr const char* kDarkText = "color: black";
 constexpr const char* kDarkToolTip = "QToolTip { color: black; }";
 
