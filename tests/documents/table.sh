@@ -11,7 +11,7 @@ check_command() {
         # Too long to be run here; that they can be read, and understand what they are given.
         'tools/fuzz 600') bash -n tools/fuzz ;;
         tools/valgrind | tools/monkey | tools/soak) bash -n "$1" ;;
-        tools/mutate*) run "${1%% *} --list --count 1" ;;
+        tools/mutate*) run "$1 --list" ;;
         ./bench*) [ -x bench ] && grep -q -- '"--size"' bench ;;
         tools/install-packages | 'tools/install-packages packaging') run "$1" ;;
         './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
