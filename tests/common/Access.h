@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "OverlayPainting.h"
 #include "ScreenCaptureWnd.h"
 #include "ScribbleArea.h"
 
@@ -13,7 +14,7 @@ struct ScreenCaptureWndAccess {
     static void setDesktop(ScreenCaptureWnd* window, const QImage& desktop)
     {
         *window->m_desktopImage = desktop;
-        window->dimDesktop();
+        window->m_dimmedImage = overlay::dimmed(desktop);
     }
     /// The highlighted window, in coordinates of the desktop.
     static QRect& highlight(ScreenCaptureWnd* window) { return window->m_grabWindowRect; }

@@ -28,7 +28,6 @@ private slots:
     void init();
     void cleanup();
     void windowIsShownUndimmedInAThickFrame();
-    void frameStaysOnTheDesktop();
     void hookFindsNoWindow();
     void clickTakesTheWindow();
     void dragDropsTheWindow_data();
@@ -81,14 +80,6 @@ void tst_ScreenCaptureWnd_highlight::windowIsShownUndimmedInAThickFrame()
     QRect frame(QPoint(), QSize(116, 86));
     frame.moveCenter(kOtherWindow.center());
     QCOMPARE(shown(), framed(frame));
-}
-
-void tst_ScreenCaptureWnd_highlight::frameStaysOnTheDesktop()
-{
-    highlight() = QRect(QPoint(-50, -40), QSize(120, 90));
-    QRect frame(QPoint(), QSize(116, 86));
-    frame.moveCenter(highlight().center());
-    QCOMPARE(shown(), framed(frame & QRect(QPoint(), kDesktopSize)));
 }
 
 void tst_ScreenCaptureWnd_highlight::hookFindsNoWindow()

@@ -4,6 +4,7 @@
 #include "MagnifierWidget.h"
 #include "MosaicPixels.h"
 #include "OverlayGeometry.h"
+#include "OverlayPainting.h"
 #include "ResizableRect.h"
 #include "ScribbleArea.h"
 #include "StyleSheets.h"
@@ -24,15 +25,51 @@
 namespace
 {
 
-constexpr QColor kDim(0, 0, 0, 100);
-constexpr int kMinRegionSidePx = 3;
-constexpr qreal kGrabWindowBorderPx = 4.0;
-constexpr QSize kGrabWindowInsetPx(4, 4);
+// A smaller rubber band stays hidden, so that a mere click makes no visible region.
+constexpr int kRubberBandShowsFromPx = 3;
 
-// The mosaic works on 8 bits a channel, which not every display has.
-QImage in8BitsAChannel(const QImage& image)
+// The mosaic works on 8 bits per channel, which not every display has.
+QImage in8BitsPerChannel(const QImage& image)
 {
     return mosaic::holdsQRgb(image) ? image : image.convertToFormat(QImage::Format_RGB32);
+}
+
+QImage grabbedDesktop()
+{
+    const QDesktopWidget* desktop = QApplication::desktop();
+    const QSize size = desktop->geometry().size();
+    QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return {};
+    const QPixmap grabbed = screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height());
+    return in8BitsPerChannel(grabbed.toImage());
+}
+
+ResizableRect* createCaptureRect(QWidget* window)
+{
+    auto* rect = new ResizableRect(window, QRect());
+    rect->setBorderSolidPaint(true);
+    rect->setColor(QColor(style::kAccentColor));
+    rect->setSizeInforVisible(true);
+    return rect;
+}
+
+MagnifierWidget* createMagnifier(QWidget* window)
+{
+    auto* magnifier = new MagnifierWidget(window);
+    magnifier->setStyleSheet(style::kTransparent);
+    magnifier->setSize(overlay::kLoupeSidePx);
+    magnifier->setCrossColor(QColor(style::kAccentColor));
+    return magnifier;
+}
+
+QString askForFileName(QWidget* parent)
+{
+    const QString suggested = QDir::currentPath() + QStringLiteral("/untitled");
+    QString selected = ScreenCaptureWnd::tr("PNG (*.png)");
+    return QFileDialog::getSaveFileName(
+        parent, ScreenCaptureWnd::tr("Save As"), suggested,
+        ScreenCaptureWnd::tr("PNG (*.png);;JPEG (*.jpg;*.jpeg);;BMP (*.bmp)"), &selected);
 }
 
 } // namespace
@@ -77,52 +114,16 @@ void ScreenCaptureWnd::init()
     // The icons of a static library are linked only where something asks for them.
     Q_INIT_RESOURCE(scribble);
     setCursor(QCursor(QPixmap(":/scribble/cursor.png"), 0, 0));
-    grabDesktop();
-    initCaptureRect();
-    initMagnifier();
+    // The only grab of a capture: region, loupe and dimmed surround are all cut from this picture.
+    m_desktopImage = new QImage(grabbedDesktop());
+    m_dimmedImage = overlay::dimmed(*m_desktopImage);
+    m_rectCapture = createCaptureRect(this);
+    m_magnifier = createMagnifier(this);
+    updateMagnifierAtCursor();
     connect(m_rectCapture, SIGNAL(rectChanged(const QRect&)), this,
             SLOT(onCaptureRectChanged(const QRect&)));
     m_grabWindowRect = makeGrabWholeWindowRect(QCursor::pos());
     initToolBars();
-}
-
-// The only grab of a capture: region, loupe and dimmed surround are all cut from this picture.
-void ScreenCaptureWnd::grabDesktop()
-{
-    const QDesktopWidget* desktop = QApplication::desktop();
-    const QSize size = desktop->geometry().size();
-    QScreen* screen = QGuiApplication::primaryScreen();
-    const QPixmap grabbed =
-        screen ? screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height())
-               : QPixmap();
-    m_desktopImage = new QImage(in8BitsAChannel(grabbed.toImage()));
-    dimDesktop();
-}
-
-// Dimmed once, so that painting only copies.
-void ScreenCaptureWnd::dimDesktop()
-{
-    if (m_desktopImage->isNull())
-        return;
-    m_dimmedImage = m_desktopImage->copy();
-    QPainter(&m_dimmedImage).fillRect(m_dimmedImage.rect(), kDim);
-}
-
-void ScreenCaptureWnd::initCaptureRect()
-{
-    m_rectCapture = new ResizableRect(this, QRect());
-    m_rectCapture->setBorderSolidPaint(true);
-    m_rectCapture->setColor(QColor(style::kAccentColor));
-    m_rectCapture->setSizeInforVisible(true);
-}
-
-void ScreenCaptureWnd::initMagnifier()
-{
-    m_magnifier = new MagnifierWidget(this);
-    m_magnifier->setStyleSheet(style::kTransparent);
-    m_magnifier->setSize(overlay::kLoupeSidePx);
-    m_magnifier->setCrossColor(QColor(style::kAccentColor));
-    updateMagnifierAtCursor();
 }
 
 void ScreenCaptureWnd::connectTo(QObject* receiver, const char* member)
@@ -224,7 +225,7 @@ void ScreenCaptureWnd::save()
     const QPointer<ScreenCaptureWnd> alive(this);
     const bool deletesItself = testAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_DeleteOnClose, false);
-    const QString name = askForFileName();
+    const QString name = askForFileName(this);
     if (!alive)
         return;
     setAttribute(Qt::WA_DeleteOnClose, deletesItself);
@@ -234,15 +235,6 @@ void ScreenCaptureWnd::save()
         return;
     scribbledImage().save(name);
     reset();
-}
-
-QString ScreenCaptureWnd::askForFileName()
-{
-    const QString suggested = QDir::currentPath() + QStringLiteral("/untitled");
-    QString selected = tr("PNG (*.png)");
-    return QFileDialog::getSaveFileName(this, tr("Save As"), suggested,
-                                        tr("PNG (*.png);;JPEG (*.jpg;*.jpeg);;BMP (*.bmp)"),
-                                        &selected);
 }
 
 void ScreenCaptureWnd::onBtnSend()
@@ -352,12 +344,12 @@ void ScreenCaptureWnd::mouseMoveEvent(QMouseEvent* event)
         updateMagnifier(event->pos());
 }
 
-// The rubber band shows from 3 pixels on, so that a mere click makes no visible region.
 void ScreenCaptureWnd::dragSelection(const QPoint& pos)
 {
     m_rectCapture->setRect(QRect(m_pressPos, pos).normalized());
     const QRect region = m_rectCapture->rect();
-    if (qAbs(region.width()) < kMinRegionSidePx && qAbs(region.height()) < kMinRegionSidePx)
+    if (qAbs(region.width()) < kRubberBandShowsFromPx &&
+        qAbs(region.height()) < kRubberBandShowsFromPx)
         return;
     m_rectCapture->setVisible(true);
     if (!m_grabWindowRect.isNull()) {
@@ -453,89 +445,26 @@ void ScreenCaptureWnd::updateMainToolBarPos(int extraHeight)
         overlay::mainToolBarPos(m_rectCapture->rect(), m_mainToolBar->size(), extraHeight, rect()));
 }
 
-// Rectangle by rectangle, because Qt clips each pixel of a line to a region of several.
+// Paints the rectangles one by one, because in a region of several Qt clips each pixel of a line.
 void ScreenCaptureWnd::paintEvent(QPaintEvent* event)
 {
-    for (const QRect& changed : event->region())
-        paintChanged(changed);
-}
+    const bool regionStands = m_rectCapture->isVisible();
+    overlay::Scene scene{*m_desktopImage, m_dimmedImage, rect(), QRect(), {}};
+    if (regionStands)
+        scene.region = m_rectCapture->rect();
+    if (regionStands && m_scribbleArea && m_scribbleArea->isVisible())
+        scene.canvas = m_scribbleArea->image();
 
-void ScreenCaptureWnd::paintChanged(const QRect& changed)
-{
-    QPainter painter(this);
-    painter.setClipRect(changed);
-    paintDesktop(painter, changed);
-    if (m_rectCapture->isVisible())
-        paintRegion(painter);
-    else if (!m_grabWindowRect.isNull())
-        paintGrabWindow(painter);
-}
-
-// What the region covers is left to it, so that each pixel is painted once.
-void ScreenCaptureWnd::paintDesktop(QPainter& painter, const QRect& changed) const
-{
-    for (const QRect& area : QRegion(changed) - coveredByRegion())
-        paintDimmed(painter, area);
-}
-
-QRect ScreenCaptureWnd::coveredByRegion() const
-{
-    const QRect region = m_rectCapture->rect();
-    if (!m_rectCapture->isVisible() || region.isEmpty())
-        return {};
-    const QRect picture = isCanvasVisible()
-                              ? QRect(region.topLeft(), m_scribbleArea->image().size())
-                              : m_desktopImage->rect();
-    return picture.contains(region & rect()) ? region : QRect();
-}
-
-bool ScreenCaptureWnd::isCanvasVisible() const
-{
-    return m_scribbleArea && m_scribbleArea->isVisible();
-}
-
-void ScreenCaptureWnd::paintDimmed(QPainter& painter, const QRect& area) const
-{
-    if (m_dimmedImage.devicePixelRatio() == 1 && m_dimmedImage.rect().contains(area)) {
-        painter.drawImage(area.topLeft(), m_dimmedImage, area);
-        return;
+    for (const QRect& changed : event->region()) {
+        QPainter painter(this);
+        painter.setClipRect(changed);
+        overlay::paintSurround(painter, scene, changed);
+        overlay::paintRegion(painter, scene);
+        if (regionStands)
+            m_rectCapture->render(painter);
+        else if (!m_grabWindowRect.isNull())
+            overlay::paintHighlight(painter, scene,
+                                    overlay::highlightFrame(m_grabWindowRect, geometry()),
+                                    m_rectCapture->getColor());
     }
-    painter.save();
-    painter.setClipRect(area);
-    painter.drawImage(0, 0, *m_desktopImage);
-    painter.fillRect(area, kDim);
-    painter.restore();
-}
-
-void ScreenCaptureWnd::paintRegion(QPainter& painter)
-{
-    const QRect region = m_rectCapture->rect();
-    if (isCanvasVisible())
-        painter.drawImage(region.topLeft(), m_scribbleArea->image());
-    else
-        paintUndimmed(painter, region);
-    m_rectCapture->render(painter);
-}
-
-// Draws from the picture itself; a copy is cut only where the window is larger than the picture.
-void ScreenCaptureWnd::paintUndimmed(QPainter& painter, const QRect& region) const
-{
-    const QRect shown = region & rect();
-    if (shown.isEmpty())
-        return;
-    if (m_desktopImage->rect().contains(shown))
-        painter.drawImage(shown.topLeft(), *m_desktopImage, shown);
-    else
-        painter.drawImage(region.topLeft(), m_desktopImage->copy(region));
-}
-
-void ScreenCaptureWnd::paintGrabWindow(QPainter& painter)
-{
-    QRect g(QPoint(), m_grabWindowRect.size() - kGrabWindowInsetPx);
-    g.moveCenter(m_grabWindowRect.center());
-    g &= geometry();
-    paintUndimmed(painter, g);
-    painter.setPen(QPen(QBrush(m_rectCapture->getColor(), Qt::SolidPattern), kGrabWindowBorderPx,
-                        Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
-    painter.drawRect(g);
 }

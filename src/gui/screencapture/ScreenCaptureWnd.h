@@ -136,16 +136,11 @@ private:
     ScreenCaptureWnd();
 
     void init();
-    void grabDesktop();
-    void dimDesktop();
-    void initCaptureRect();
-    void initMagnifier();
     void initToolBars();
     void initSubToolBar();
     QLabel* createSeparator();
     void initScribbleArea();
 
-    QString askForFileName();
     bool beginEnd();
     void deliver(const QImage& image, bool finished);
     void putCanvasAway();
@@ -170,15 +165,6 @@ private:
     void dragSelection(const QPoint& pos);
     void endSelection();
     void releaseRightButton(const QPoint& pos);
-
-    void paintChanged(const QRect& changed);
-    void paintDesktop(QPainter& painter, const QRect& changed) const;
-    void paintDimmed(QPainter& painter, const QRect& area) const;
-    QRect coveredByRegion() const;
-    bool isCanvasVisible() const;
-    void paintRegion(QPainter& painter);
-    void paintUndimmed(QPainter& painter, const QRect& region) const;
-    void paintGrabWindow(QPainter& painter);
 
     static ScreenCaptureWnd* s_screenCaptureWnd;
 
