@@ -10,32 +10,32 @@
 
 /// The colours of the tools that have one; invalid until they are set.
 struct ScreenCaptureToolColors {
-    /// The pen.
+    /// Of the freehand pen.
     QColor scribbleColor;
-    /// The frame of a rectangle.
+    /// Of the outline of rectangles.
     QColor rectColor;
-    /// The outline of an ellipse.
+    /// Of the outline of ellipses.
     QColor ellipseColor;
-    /// The arrow, filled.
+    /// Of arrows, which are filled.
     QColor arrowColor;
-    /// What is typed.
+    /// Of text.
     QColor textColor;
 };
 
-/// What the facade remembers for the life of the process.
+/// The facade's memory, which lasts as long as the process.
 class ScreenCaptureToolHelper : QObject
 {
 public:
-    /// Fills in the default colours: a red pen, black text.
+    /// Fills in the default colours: red pens, black text.
     ScreenCaptureToolHelper();
 
-    /// By the name of the member of ScreenCaptureToolColors.
+    /// The key is the name of the member of ScreenCaptureToolColors.
     QMap<QString, QColor> m_penColors;
     /// The settings file; empty before ScreenCaptureTool::init().
     QString m_iniPath;
 };
 
-/// Through this an application says where the library keeps its settings.
+/// Tells the library where to keep its settings.
 ///
 /// \code
 /// const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
@@ -43,23 +43,22 @@ public:
 /// ScreenCaptureTool::init(dir);
 /// \endcode
 ///
-/// The settings are the file "screencapture.ini" in that directory, an INI file with the group
-/// "pen_color": one decimal number 0xAARRGGBB for each of "scribbleColor", "rectColor",
-/// "ellipseColor" and "arrowColor". Other entries of the file are kept. Errors of reading and
-/// writing are silent; what is in memory then stays. GUI thread only.
+/// The settings file is "screencapture.ini" in that directory, an INI file with the group
+/// "pen_color". Its keys "scribbleColor", "rectColor", "ellipseColor" and "arrowColor" have the
+/// value 0xAARRGGBB in decimal. Other entries of the file are kept. Errors of reading and writing
+/// are silent and leave the colours in memory as they are. GUI thread only.
 class SCREENCAPTURE_EXPORT ScreenCaptureTool
 {
 public:
-    /// Names the settings directory, an absolute path without backslashes, and loads the colours.
-    /// To be called once, before the first capture. The directory must exist to be written to: it
-    /// is not created.
-    /// Without this call colours live as long as the process.
+    /// Sets the settings directory, an absolute path without backslashes, and loads the colours.
+    /// Call it once, before the first capture. The directory is not created: without it nothing is
+    /// written. Without this call the colours last as long as the process.
     static void init(const QString& dir);
 
-    /// Fills in four of the colours as they are in memory; `textColor` stays as it is.
+    /// Copies the colours from memory to `colors`, save for `textColor`, which stays as it is.
     static void penColor(ScreenCaptureToolColors& colors);
 
-    /// Remembers all five colours and writes all but the text colour to the file, at once; that can
-    /// take as long as another process holds the file's lock.
+    /// Keeps all colours in memory and writes them, save for the text colour, to the file at once.
+    /// Waits while another process holds the file's lock.
     static void setPenColor(const ScreenCaptureToolColors& colors);
 };

@@ -90,10 +90,10 @@ ScreenCaptureWnd::ScreenCaptureWnd()
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_DeleteOnClose);
     setMouseTracking(true);
-    // Keys come here, and not to a button of a hidden tool bar, until a visible widget has the
-    // focus.
+    // Until a visible widget has the focus, keys come here and not to a button of a hidden tool
+    // bar.
     setFocusPolicy(Qt::TabFocus);
-    // Nobody else ends a capture in whose middle the application quits.
+    // Nothing else ends the capture when the application quits during it.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &ScreenCaptureWnd::reject);
     init();
 }
@@ -101,7 +101,7 @@ ScreenCaptureWnd::ScreenCaptureWnd()
 ScreenCaptureWnd::~ScreenCaptureWnd()
 {
     s_screenCaptureWnd = nullptr;
-    // The dialog stands on the stack of save(), which closes it when it returns there.
+    // The dialog stands on the stack of save(), so it must not be deleted as a child.
     if (auto* dialog = findChild<QFileDialog*>()) {
         dialog->setParent(nullptr);
         dialog->reject();
@@ -111,7 +111,7 @@ ScreenCaptureWnd::~ScreenCaptureWnd()
 
 void ScreenCaptureWnd::init()
 {
-    // The icons of a static library are linked only where something asks for them.
+    // In a static library, the linker drops the icons unless something refers to them.
     Q_INIT_RESOURCE(scribble);
     setCursor(QCursor(QPixmap(":/scribble/cursor.png"), 0, 0));
     // The only grab of a capture: region, loupe and dimmed surround are all cut from this picture.
@@ -149,20 +149,21 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
     activateWindow();
 }
 
-// A region without size has no pixels, but a copy of a null rectangle would be the whole desktop.
+// A null region has no pixels, but QImage::copy() of a null rectangle copies the whole desktop.
 QImage ScreenCaptureWnd::captureImage() const
 {
     const QRect region = m_rectCapture->rect();
     return m_rectCapture->isVisible() && !region.isNull() ? m_desktopImage->copy(region) : QImage();
 }
 
-// A canvas that was put away by a reset holds nothing of the region that stands now.
+// After a reset the canvas holds nothing of the region that stands now.
 QImage ScreenCaptureWnd::scribbledImage() const
 {
     if (m_state != StateAnnotating)
         return captureImage();
     m_scribbleArea->completeScribble();
-    // What that committed leaves nothing to redo.
+    // Committing a pending shape adds a history entry, which discards everything that could be
+    // redone.
     updateRedoButton();
     return m_scribbleArea->image();
 }
@@ -185,7 +186,7 @@ void ScreenCaptureWnd::reset()
     update();
 }
 
-// The widget is kept for the next region; its drawing and history are not.
+// Keeps the widget for the next region, but neither its drawing nor its history.
 void ScreenCaptureWnd::putCanvasAway()
 {
     if (!m_scribbleArea)
@@ -216,8 +217,8 @@ void ScreenCaptureWnd::redo()
     updateRedoButton();
 }
 
-// The host may end the capture while the dialog is open. The dialog is this window's child and
-// stands on the stack, so the window does not delete itself before it has returned.
+// The host may end the capture while the dialog is open. The dialog is a child of the window and
+// stands on the stack, so the window does not delete itself before the dialog has returned.
 void ScreenCaptureWnd::save()
 {
     if (m_ended || findChild<QFileDialog*>())
@@ -242,8 +243,9 @@ void ScreenCaptureWnd::onBtnSend()
     accept();
 }
 
-// A window that is on its way out, hidden but not deleted yet, delivers nothing a second time.
-bool ScreenCaptureWnd::beginEnd()
+// False where the capture had ended before: a hidden window that is not deleted yet delivers no
+// second result.
+bool ScreenCaptureWnd::markEnded()
 {
     if (auto* dialog = findChild<QFileDialog*>())
         dialog->reject();
@@ -252,17 +254,17 @@ bool ScreenCaptureWnd::beginEnd()
 
 void ScreenCaptureWnd::accept()
 {
-    if (beginEnd())
+    if (markEnded())
         deliver(scribbledImage(), true);
 }
 
 void ScreenCaptureWnd::reject()
 {
-    if (beginEnd())
+    if (markEnded())
         deliver(QImage(), false);
 }
 
-// A host that keeps the window and shows it again takes another capture with it.
+// A host that keeps the window takes another capture by showing it again.
 void ScreenCaptureWnd::showEvent(QShowEvent* event)
 {
     if (!event->spontaneous())
@@ -270,7 +272,8 @@ void ScreenCaptureWnd::showEvent(QShowEvent* event)
     QDialog::showEvent(event);
 }
 
-// The dialog ends only what is visible, but who hides the window first waits for its result too.
+// QDialog::closeEvent() rejects only a visible dialog. A host that hid the window before closing it
+// still expects a result.
 void ScreenCaptureWnd::closeEvent(QCloseEvent* event)
 {
     if (isVisible())
@@ -279,7 +282,7 @@ void ScreenCaptureWnd::closeEvent(QCloseEvent* event)
         reject();
 }
 
-// A host that connects directly may delete the window in its slot.
+// A host that is connected directly may delete the window in its slot.
 void ScreenCaptureWnd::deliver(const QImage& image, bool finished)
 {
     const QPointer<ScreenCaptureWnd> alive(this);
@@ -303,11 +306,11 @@ bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
                  event->type() == QEvent::MouseButtonRelease)
             updateRedoButtonLater();
     }
-    // Where the host deleted the window, the canvas is gone too.
+    // If the host deleted the window, the canvas is gone too.
     return alive ? QDialog::eventFilter(watched, event) : true;
 }
 
-// The canvas knows what can be redone when it has handled the event.
+// Queued, because the canvas knows what can be redone only after it has handled the event.
 void ScreenCaptureWnd::updateRedoButtonLater()
 {
     QMetaObject::invokeMethod(
@@ -369,7 +372,7 @@ void ScreenCaptureWnd::mouseReleaseEvent(QMouseEvent* event)
     }
 }
 
-// Intended: the tool bar appears also when the drag was too short to make a visible region.
+// Intended: the tool bar appears even if the drag was too short to make a visible region.
 void ScreenCaptureWnd::endSelection()
 {
     if (!m_grabWindowRect.isNull()) {
@@ -403,7 +406,7 @@ void ScreenCaptureWnd::updateMagnifier(const QPoint& pos)
     m_magnifier->move(overlay::loupePos(pos, size()));
 }
 
-// The rectangle remembers its last press also when the region of that press is gone.
+// The rectangle remembers its last press even after the region of that press is gone.
 int ScreenCaptureWnd::draggedSection() const
 {
     const bool regionStands = m_state == StateSelected && m_rectCapture->isVisible();
@@ -415,8 +418,7 @@ void ScreenCaptureWnd::updateMagnifierAtCursor()
     updateMagnifier(mapFromGlobal(QCursor::pos()));
 }
 
-// Intended: the hook for picking the whole window under the cursor, which this window does not
-// offer.
+// Intended: a hook for picking the window under the cursor, which never finds one.
 QRect ScreenCaptureWnd::makeGrabWholeWindowRect(const QPoint& /*globalPos*/)
 {
     return {};

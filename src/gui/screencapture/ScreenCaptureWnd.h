@@ -23,9 +23,9 @@ struct ScreenCaptureToolColors;
 
 /// The one window through which an application takes a screenshot.
 ///
-/// When it is built it photographs the whole virtual desktop once; from then on it shows that
-/// frozen picture, dimmed, over every screen and lets the user drag out a region. The capture ends
-/// with captureFinished(), after which the window hides and deletes itself; the next
+/// The constructor photographs the whole virtual desktop once. The window shows that frozen
+/// picture, dimmed, over every screen and lets the user drag out a region. The capture ends with
+/// captureFinished(), after which the window hides and deletes itself; the next call of
 /// screenCaptureWnd() photographs the desktop anew.
 ///
 /// \code
@@ -37,79 +37,80 @@ struct ScreenCaptureToolColors;
 /// Coordinates are pixels of the window, which are those of the virtual desktop. The window deletes
 /// itself: a host keeps no pointer to it across the end of a capture. A host that clears
 /// Qt::WA_DeleteOnClose keeps the window instead, and takes another capture of the same picture by
-/// showing it again. The window's end is never taken for that of the last window, with which Qt
-/// ends an application. GUI thread only, with a QApplication; nothing is thrown, and a desktop that
-/// cannot be grabbed gives a null picture.
+/// showing it again. Closing the window never counts as closing the last window, on which Qt quits
+/// the application. GUI thread only, with a QApplication. Nothing is thrown; a desktop that cannot
+/// be grabbed gives a null picture.
 class SCREENCAPTURE_EXPORT ScreenCaptureWnd : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// The window of the running capture; built, with a fresh grab of the desktop, when there is
-    /// none. Until the window of a finished capture is deleted by the event loop, which is after
-    /// the slot given to connectTo() ran, this still returns that window; ask for the next capture
-    /// from a zero timer rather than from that slot.
+    /// Returns the window of the running capture, and creates it, with a fresh grab of the desktop,
+    /// if there is none. The event loop deletes the window of a finished capture after the slot
+    /// given to connectTo() has run; until then this function returns that window. Ask for the next
+    /// capture from a zero timer rather than from that slot.
     static ScreenCaptureWnd* screenCaptureWnd();
 
     ~ScreenCaptureWnd() override;
 
-    /// Sends captureFinished(QImage,bool) to `member` of `receiver`, queued, instead of to the
-    /// receiver given before. `member` is what SLOT() makes and must live as long as the capture.
-    /// With a null receiver or member only the former receiver is disconnected. Neither is owned; a
-    /// receiver that dies in the meantime is forgotten.
+    /// Connects captureFinished(QImage,bool) to `member` of `receiver`, queued, and disconnects the
+    /// receiver given before. `member` is the result of SLOT() and must live as long as the
+    /// capture. A null receiver or member only disconnects. Neither is owned; a receiver that is
+    /// destroyed in the meantime is forgotten.
     void connectTo(QObject* receiver, const char* member);
 
-    /// Covers the whole virtual desktop, or returns to the geometry from before; shows and
-    /// activates the window in any case.
+    /// Covers the whole virtual desktop, or restores the geometry from before. Shows and activates
+    /// the window in either case.
     void showFullDesktop(bool full);
 
-    /// The region cut from the desktop picture; null while no region is visible.
+    /// Returns the region, cut from the desktop picture; null while no region is visible.
     QImage captureImage() const;
 
-    /// The picture that done, double-click and save deliver: the region with its annotations, after
-    /// a text or shape still being edited was committed; null while no region is visible.
+    /// Returns the picture that done, double-click and save deliver: the region with its
+    /// annotations; null while no region is visible. Commits a text or shape that is being edited.
     QImage scribbledImage() const;
 
     /// Drops region and tool and starts over on the same desktop picture.
     void reset();
 
 Q_SIGNALS:
-    /// Emitted exactly once, at the end of a capture: the annotated region and true when the user
-    /// finished (the image is null when there was no region), a null image and false when the user
-    /// cancelled or the application quits. Hosts may connect to it directly as well: a slot then
-    /// runs before the window is hidden, and is told when the application quits, which a queued one
-    /// is not, because the event loop has ended.
+    /// Emitted exactly once, at the end of a capture. When the user finishes, `image` is the
+    /// annotated region, null if there is none, and `finished` is true. When the user cancels or
+    /// the application quits, `image` is null and `finished` is false. A slot that is connected
+    /// directly runs before the window is hidden, also when the application quits; a queued one
+    /// does not run then, because the event loop has ended.
     void captureFinished(QImage image, bool finished);
 
-    /// Never emitted by the window, which stores colours itself; kept for hosts that connect to it.
+    /// Never emitted: the window stores colours itself. Kept for hosts that connect to it.
     void penColorChanged(const QString& penName, const QColor& c);
 
 public Q_SLOTS:
-    /// Takes back the last edit; drops the region when there is none left.
+    /// Undoes the last edit; drops the region when there is no edit left.
     void undo();
-    /// Puts the last edit that was taken back in again; nothing when there is none.
+    /// Redoes the last edit that was undone, if any.
     void redo();
-    /// Asks for a file name, writes the picture there (format by the suffix that the user typed)
-    /// and starts over. A failed write is silent.
+    /// Asks for a file name, writes the picture in the format of its suffix and starts over. A
+    /// failed write is silent.
     void save();
-    /// accept().
+    /// The same as accept().
     void onBtnSend();
     /// Ends the capture with the picture.
     void accept() override;
     /// Cancels the capture.
     void reject() override;
-    /// The region was moved or resized, in pixels of the window: canvas and tool bar follow.
+    /// Lets canvas and tool bar follow the region, which has been moved or resized to `rect`, in
+    /// pixels of the window.
     void onCaptureRectChanged(const QRect& rect);
-    /// A tool button was clicked: the tool whose button is checked now is used.
+    /// Uses the tool whose button is checked, after a tool button was clicked.
     void onPaintTypeChanged();
-    /// The size of text, a number of points; nothing while another tool is chosen. This and the
-    /// three that follow are the settings of the chosen tool, for when one was chosen.
+    /// Sets the size of text, a number of points, if the text tool is chosen. Like the three slots
+    /// that follow, this is for after a tool has been chosen.
     void onFontSizeChanged(const QString& size);
-    /// The width of the chosen tool, in pixels; of the mosaic 15 less than its brush has.
+    /// Sets the width of the chosen tool in pixels. The brush of the mosaic is 15 pixels wider.
     void onPenWidthChanged(int width);
-    /// The colour of the chosen tool, which is remembered at once.
+    /// Sets the colour of the chosen tool and stores it at once.
     void onPenColorChanged(QColor c);
-    /// The side of the blocks of the mosaic, in pixels.
+    /// Sets the side of the mosaic's blocks in pixels.
     void onMosaicBlurChanged(int value);
 
 protected:
@@ -130,7 +131,7 @@ private:
     /// One of the drawing tools, which ScreenCaptureWndToolBars.cpp lists.
     struct Tool;
 
-    /// Tests put a tool in the user's hand through this.
+    /// Tests see the private side through this.
     friend struct ScreenCaptureWndAccess;
 
     ScreenCaptureWnd();
@@ -141,7 +142,7 @@ private:
     QLabel* createSeparator();
     void initScribbleArea();
 
-    bool beginEnd();
+    bool markEnded();
     void deliver(const QImage& image, bool finished);
     void putCanvasAway();
     void updateMagnifier(const QPoint& pos);

@@ -45,7 +45,7 @@ constexpr QSize kMosaicBarExtraPx(10, 0);
 
 constexpr int kMosaicExtraWidthPx = 15;
 
-// Intended: kept beside the window, which does not use it.
+// Intended: it exists beside the window, which does not use it.
 [[maybe_unused]] const ScreenCaptureToolColors s_penColors;
 
 QString icon(const QString& name)
@@ -419,7 +419,7 @@ void ScreenCaptureWnd::initSubToolBar()
     layout->addWidget(m_colorWidget);
 }
 
-// The canvas is created once and reused; each time it takes the region's pixels from the desktop.
+// Creates the canvas once and reuses it. Each time it takes the region's pixels from the desktop.
 void ScreenCaptureWnd::initScribbleArea()
 {
     if (!m_scribbleArea) {
@@ -447,8 +447,8 @@ void ScreenCaptureWnd::setScribbleAreaToolColor(const ScreenCaptureToolColors& c
     }
 }
 
-// The buttons are made exclusive by hand. Intended: a click that unchecks the chosen tool leaves it
-// in use.
+// Makes the buttons exclusive by hand. Intended: a click that unchecks the chosen tool leaves it in
+// use.
 void ScreenCaptureWnd::onPaintTypeChanged()
 {
     if (m_state < StateSelected) {
@@ -464,7 +464,8 @@ void ScreenCaptureWnd::onPaintTypeChanged()
     updateRedoButton();
 }
 
-// Intended: the sub bar is placed with the height it has before it is shown and sized for the tool.
+// Intended: the sub bar is placed with the height that it has before it is shown and sized for the
+// tool.
 void ScreenCaptureWnd::beginAnnotating()
 {
     m_state = StateAnnotating;
@@ -536,10 +537,11 @@ void ScreenCaptureWnd::onFontSizeChanged(const QString& size)
     if (!m_btnText->isChecked())
         return;
     m_scribbleArea->setTextFontSize(size.toInt());
+    // An application's style sheet would override the font size of the text box.
     overrideApplicationStyles(this, QString(style::kTextBoxOfSize).arg(size));
 }
 
-// Widths are not remembered between captures.
+// Intended: widths are not stored.
 void ScreenCaptureWnd::onPenWidthChanged(int width)
 {
     Q_ASSERT(m_scribbleArea != NULL);
@@ -547,7 +549,7 @@ void ScreenCaptureWnd::onPenWidthChanged(int width)
         tool->setWidth(*m_scribbleArea, width);
 }
 
-// Intended: the colours are stored also when the tool has none. penColorChanged() is not emitted.
+// Intended: the colours are stored even if the tool has none. penColorChanged() is not emitted.
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the slot's published signature.
 void ScreenCaptureWnd::onPenColorChanged(QColor c)
 {
