@@ -60,8 +60,8 @@ bool ColorWidget::isHovering() const
     return m_hoverRow >= 0 && m_hoverCol >= 0;
 }
 
-// The division truncates toward zero, so that the pixels just left of and above the grid count as
-// its first column and row until the cell itself is asked.
+// Integer division truncates toward zero: pixels just left of and above the grid get its first
+// column and row. QRect::contains() rejects them.
 void ColorWidget::mouseMoveEvent(QMouseEvent* event)
 {
     const QPoint p = event->pos() - kGridOriginPx;
@@ -83,7 +83,7 @@ void ColorWidget::leaveEvent(QEvent* /*event*/)
     update();
 }
 
-// Intended: the click takes the cell that the last move hovered, wherever the press is.
+// Intended: a press chooses the cell that the last move hovered, wherever the press is.
 void ColorWidget::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton || !isHovering())
@@ -99,7 +99,7 @@ void ColorWidget::mousePressEvent(QMouseEvent* event)
 void ColorWidget::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    painter.setPen(QPen(QBrush(Qt::gray, Qt::SolidPattern), 1, Qt::SolidLine));
+    painter.setPen(Qt::gray);
     paintCurrentColor(painter);
     paintCells(painter);
     if (isHovering())

@@ -8,8 +8,8 @@
 
 /// A palette of fixed size: a box with the current colour and two rows of eight colours beside it.
 ///
-/// The cell under the pointer is framed; a left click takes its colour. Coordinates are pixels of
-/// the widget. GUI thread only.
+/// The widget frames the cell under the pointer; a left click chooses its colour. Coordinates are
+/// pixels of the widget. GUI thread only.
 class ColorWidget : public QWidget
 {
     Q_OBJECT
@@ -17,15 +17,15 @@ class ColorWidget : public QWidget
 public:
     explicit ColorWidget(QWidget* parent);
 
-    /// Shows `c`, which need not be one of the palette, without a signal.
+    /// Shows `c`, which need not be in the palette. Emits no signal.
     void setColor(const QColor& c);
-    /// What the box shows; invalid, and shown as black, before one is set.
+    /// Returns the colour in the box. Before setColor(), it is invalid and painted black.
     QColor color() const { return m_currentColor; }
-    /// The cell in `row` 0 or 1, `col` 0 to 7.
+    /// Returns the cell in `row` 0 or 1 and `col` 0 to 7.
     QRect cellRect(int row, int col);
 
 signals:
-    /// A click chose another colour than the current one.
+    /// Emitted when a click chooses another colour than the current one.
     void currentColorChanged(QColor c);
 
 protected:

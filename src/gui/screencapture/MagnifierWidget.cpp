@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "MagnifierWidget.h"
 
-#include <QBrush>
 #include <QPainter>
 #include <QPen>
 
 namespace
 {
 
-constexpr qreal kFrameWidthPx = 1;
 constexpr qreal kCrossHairWidthPx = 3;
 constexpr int kCrossHairMarginPx = 2;
 
@@ -17,7 +15,7 @@ constexpr int kCrossHairMarginPx = 2;
 MagnifierWidget::MagnifierWidget(QWidget* parent)
     : QWidget(parent)
 {
-    // The pointer can get onto the loupe in one fast move; the host must still see where it goes.
+    // A fast move can put the pointer on the loupe; its mouse events are the parent's all the same.
     setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
@@ -50,17 +48,17 @@ void MagnifierWidget::paintEvent(QPaintEvent* /*event*/)
 
 void MagnifierWidget::paintFrames(QPainter& painter) const
 {
-    painter.setPen(QPen(QBrush(Qt::black), kFrameWidthPx));
+    painter.setPen(Qt::black);
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
-    painter.setPen(QPen(QBrush(Qt::white), kFrameWidthPx));
+    painter.setPen(Qt::white);
     painter.drawRect(rect().adjusted(1, 1, -2, -2));
 }
 
 void MagnifierWidget::paintCrossHair(QPainter& painter) const
 {
     constexpr int m = kCrossHairMarginPx;
-    painter.setPen(QPen(QBrush(m_crossColor, Qt::SolidPattern), kCrossHairWidthPx, Qt::SolidLine,
-                        Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(
+        QPen(m_crossColor, kCrossHairWidthPx, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawLine(m + 1, height() / 2, width() - 2 * m, height() / 2);
     painter.drawLine(width() / 2, m + 1, width() / 2, height() - 2 * m);
 }

@@ -5,11 +5,11 @@
 #include <QImage>
 #include <QWidget>
 
-/// The square loupe: shows an image stretched to the widget's full size, unsmoothed, framed in
-/// black and white and with a cross-hair through its middle.
+/// The square loupe: stretches an image to the widget's full size, unsmoothed, with a black and a
+/// white frame around it and a cross-hair through its middle.
 ///
-/// It has no input handling (mouse events pass through to what lies beneath) and no zoom factor of
-/// its own: the host decides what it shows and where it stands. Sizes are pixels. GUI thread only.
+/// Mouse events pass through to the widget beneath. The window decides which image the loupe shows,
+/// and thereby how much it magnifies, and where it stands. Sizes are pixels. GUI thread only.
 class MagnifierWidget : public QWidget
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
 
     /// Makes the widget `size` by `size` pixels.
     void setSize(int size);
-    /// A null image leaves only the frames and the cross-hair.
+    /// Shows `image`. A null image leaves only the frames and the cross-hair.
     void setOrigImage(const QImage& image);
     void setCrossColor(const QColor& color);
 

@@ -23,7 +23,6 @@ PenWidthWidget::PenWidthWidget(QWidget* parent)
     setFixedSize(kSizePx);
     m_slider->setOrientation(Qt::Horizontal);
     m_slider->setRange(kMinWidthPx, kMaxWidthPx);
-    m_slider->setSingleStep(1);
     m_slider->setPageStep(kPageStepPx);
     m_slider->setGeometry(kSliderRect);
     m_slider->setAccessibleName(tr("Pen width"));
@@ -31,7 +30,7 @@ PenWidthWidget::PenWidthWidget(QWidget* parent)
     connect(m_slider, SIGNAL(valueChanged(int)), this, SLOT(setWidth(int)));
 }
 
-// Intended: a change of the slider comes back here, so that it is announced twice.
+// Intended: valueChanged() calls this slot again, so that a change emits the signal twice.
 void PenWidthWidget::setWidth(int width)
 {
     m_slider->setValue(width);
@@ -45,7 +44,7 @@ void PenWidthWidget::paintEvent(QPaintEvent* /*event*/)
     painter.setPen(Qt::gray);
     painter.drawRect(kPreviewBox.adjusted(0, 0, -1, -1));
 
-    QRect width(QPoint(0, 0), QSize(m_slider->value(), m_slider->value()));
+    QRect width(QPoint(), QSize(m_slider->value(), m_slider->value()));
     width.moveCenter(kPreviewBox.center());
     painter.fillRect(width, Qt::blue);
 }

@@ -5,7 +5,7 @@
 
 class QSlider;
 
-/// A slider for a pen's width, 1 to 30 pixels, with a square of that size beside it.
+/// A slider for a pen's width, 1 to 30 pixels, and a square of that size beside it.
 ///
 /// GUI thread only.
 class PenWidthWidget : public QWidget
@@ -16,9 +16,9 @@ public:
     explicit PenWidthWidget(QWidget* parent);
 
 public slots:
-    /// Moves the slider to `width` as far as its range goes, and emits currentWidthChanged() with
-    /// `width` as given, whether or not anything changed. A slider that moves calls this itself, so
-    /// that a change is announced twice: with the slider's value and then with the argument.
+    /// Moves the slider to `width` as far as its range goes, then emits currentWidthChanged() with
+    /// `width` as given, whether or not the value changed. The moving slider calls this slot, too:
+    /// a change emits the signal twice, first with the slider's value, then with the argument.
     void setWidth(int width);
 
 signals:
