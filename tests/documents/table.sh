@@ -10,10 +10,11 @@ check_command() {
         ./test | './test all') is_suite dev && is_suite asan ;;
         # Too long to be run here; that they can be read, and understand what they are given.
         'tools/fuzz 600') bash -n tools/fuzz ;;
-        tools/valgrind | tools/monkey | tools/soak) bash -n "$1" ;;
+        'ctest --preset '*' -L '*)
+            is_suite "$(cut -d ' ' -f 3 <<<"$1")" && grep -rq "label_long(.* ${1##* })" tests/hardening ;;
         tools/mutate*) run "$1 --list" ;;
         ./bench*) [ -x bench ] && grep -q -- '"--size"' bench ;;
-        tools/install-packages | 'tools/install-packages packaging') run "$1" ;;
+        tools/install-packages | 'tools/install-packages packaging' | 'tools/install-packages memory') run "$1" ;;
         './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
         './test asan') is_suite asan ;;
         # What ./run and ./test leave.
@@ -49,6 +50,7 @@ check_command() {
         'lupdate -locations none '*) PATH=$PATH:/usr/lib/qt5/bin run "$1" ;;
         'capture-host --once --output shot.png' | 'capture-host --once --delay 2 --output shot.png') takes_capture $1 ;;
         'capture-host --help') run "$1" ;;
+        'capture-host --once') capture-host --help | grep -- --once ;;
         *) return 1 ;;
     esac
 }

@@ -25,19 +25,17 @@ namespace
 constexpr int kDefaultEvents = 100000;
 constexpr unsigned kHangSeconds = 60;
 
+const char* s_program = nullptr;
 quint32 s_seed = 0;
 QStringList s_warnings;
 int s_lastSeen = -1;
 
 void printReplay()
 {
-    char text[200];
-    const int length = std::snprintf(text, sizeof text,
-                                     "monkey: seed %u, event %d; again: tools/monkey " MONKEY_BUILD
-                                     "--seed %u --events %d\n",
-                                     s_seed, Monkey::s_sent, s_seed, Monkey::s_sent + 1);
-    if (write(STDERR_FILENO, text, size_t(length)) < 0)
-        return;
+    dprintf(STDERR_FILENO,
+            "monkey: event %d; again: tools/with-display --size 640x480 -- %s --seed %u "
+            "--events %d\n",
+            Monkey::s_sent, s_program, s_seed, Monkey::s_sent + 1);
 }
 
 void onSignal(int signal)
@@ -116,6 +114,7 @@ bool hasWarned()
 
 int main(int argc, char** argv)
 {
+    s_program = argv[0];
     qInstallMessageHandler(keepWarning);
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
