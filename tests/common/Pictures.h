@@ -111,7 +111,7 @@ private:
     QImage m_image;
 };
 
-/// Counts how often a widget is painted, and keeps what of it was painted last.
+/// Counts how often a widget is painted, and keeps what of it was.
 class PaintCounter : public QObject
 {
 public:
@@ -122,7 +122,7 @@ public:
     {
         if (event->type() == QEvent::Paint) {
             ++count;
-            area = static_cast<QPaintEvent*>(event)->region();
+            area += static_cast<QPaintEvent*>(event)->region();
         }
         return false;
     }

@@ -97,3 +97,23 @@ inline void movePointer(const QPoint& p)
     xdotool(moveTo(p));
     QTRY_COMPARE(watch->last(), p);
 }
+
+/// Drags with the left button and waits until the application has seen the release.
+inline void dragPointer(const QVector<QPoint>& path)
+{
+    movePointer(path.first());
+    xdotool({"mousedown", "1"});
+    for (int i = 1; i < path.size(); ++i)
+        movePointer(path[i]);
+    xdotool({"mouseup", "1"});
+    QTRY_COMPARE(QGuiApplication::mouseButtons(), Qt::MouseButtons());
+}
+
+/// Clicks so fast that two clicks are a double-click.
+inline void clickPointer(const QPoint& p, int times = 1)
+{
+    xdotool(moveTo(p) << "click"
+                      << "--repeat" << QString::number(times) << "--delay"
+                      << "20"
+                      << "1");
+}

@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "CaptureProbe.h"
 
-#include <QFileDialog>
-#include <QLineEdit>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <cstdio>
 
 namespace
 {
-
-constexpr int kFailed = 1;
 
 /// Sees when Qt would end the application, and keeps it from that.
 class QuitWatch : public QObject
@@ -28,12 +23,18 @@ public:
     }
 };
 
-void begin(const CaptureProbe& capture)
+using Use = std::function<void(const CaptureProbe& capture)>;
+
+/// A capture with a region, used and ended.
+void capture(const Use& use)
 {
+    CaptureProbe capture;
     capture.window()->showFullDesktop(true);
     if (!QTest::qWaitForWindowActive(capture.window()))
         qFatal("the capture window does not become active");
     capture.drag(QPoint(20, 20), QPoint(200, 150));
+    use(capture);
+    QTest::qWait(0);
 }
 
 void awaitEnd(const CaptureProbe& capture)
@@ -42,62 +43,28 @@ void awaitEnd(const CaptureProbe& capture)
         qFatal("the capture window does not go");
 }
 
-void finish()
-{
-    CaptureProbe capture;
-    begin(capture);
-    capture.window()->accept();
-    awaitEnd(capture);
-}
-
-void cancel()
-{
-    CaptureProbe capture;
-    begin(capture);
-    capture.window()->reject();
-    awaitEnd(capture);
-}
-
-/// Opens the save dialog and does something there.
-template <typename Action>
-void inDialog(const CaptureProbe& capture, Action action)
-{
-    QTimer::singleShot(0, capture.window(), [&capture, action] {
-        auto* dialog = capture.window()->findChild<QFileDialog*>();
-        if (!QTest::qWaitForWindowExposed(dialog))
-            qFatal("there is no save dialog");
-        action(dialog);
-    });
-    capture.window()->save();
-    QTest::qWait(0);
-}
-
-void save()
+void save(const CaptureProbe& capture)
 {
     const QTemporaryDir dir;
-    const QString name = dir.filePath("saved.png");
-    CaptureProbe capture;
-    begin(capture);
-    inDialog(capture, [name](QFileDialog* dialog) {
-        dialog->findChild<QLineEdit*>()->setText(name);
-        static_cast<QDialog*>(dialog)->accept();
-    });
-    if (!QFile::exists(name))
+    capture.saveAs(dir.filePath("saved.png"));
+    if (!QFile::exists(dir.filePath("saved.png")))
         qFatal("nothing was saved");
 }
 
-void cancelSaving()
+void endWhileSaving(const CaptureProbe& capture)
 {
-    CaptureProbe capture;
-    begin(capture);
-    inDialog(capture, [](QFileDialog* dialog) { dialog->reject(); });
+    whileSaving([&capture](QFileDialog& dialog) {
+        if (!QTest::qWaitForWindowExposed(&dialog))
+            qFatal("the save dialog does not come up");
+        capture.window()->accept();
+    });
+    capture.window()->save();
+    awaitEnd(capture);
 }
 
-void endWhileSaving()
+void end(const CaptureProbe& capture, void (ScreenCaptureWnd::*how)())
 {
-    CaptureProbe capture;
-    begin(capture);
-    inDialog(capture, [&capture](QFileDialog* /*dialog*/) { capture.window()->accept(); });
+    (capture.window()->*how)();
     awaitEnd(capture);
 }
 
@@ -108,27 +75,26 @@ void closeOwnWindow()
     if (!QTest::qWaitForWindowExposed(&own))
         qFatal("the own window does not come up");
     own.close();
-}
-
-int failures(QuitWatch& watch, const char* what, void (*run)(), int quits)
-{
-    watch.count = 0;
-    run();
     QTest::qWait(0);
-    if (watch.count == quits)
-        return 0;
-    std::fprintf(stderr, "%s: the application was to quit %d times\n", what, watch.count);
-    return kFailed;
 }
 
+/// How often Qt would have quit during all captures, and then for the application's own window.
 int runAll()
 {
     QuitWatch watch;
-    return failures(watch, "finished", finish, 0) + failures(watch, "cancelled", cancel, 0) +
-           failures(watch, "saved", save, 0) +
-           failures(watch, "saving cancelled", cancelSaving, 0) +
-           failures(watch, "ended while saving", endWhileSaving, 0) +
-           failures(watch, "the application's own window closed", closeOwnWindow, 1);
+    capture([](const CaptureProbe& c) { end(c, &ScreenCaptureWnd::accept); });
+    capture([](const CaptureProbe& c) { end(c, &ScreenCaptureWnd::reject); });
+    capture(save);
+    capture([](const CaptureProbe& c) { c.saveAs(QString()); });
+    capture(endWhileSaving);
+    const int duringCaptures = watch.count;
+    closeOwnWindow();
+    if (duringCaptures == 0 && watch.count == 1)
+        return 0;
+    std::fprintf(stderr,
+                 "the application was to quit %d times during the captures, %d times after\n",
+                 duringCaptures, watch.count - duringCaptures);
+    return 1;
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "Mouse.h"
+
 #include <QApplication>
 #include <QDialog>
 #include <QImage>
-#include <QMouseEvent>
-#include <QPointer>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <cstdio>
@@ -32,19 +32,6 @@ Function symbol(void* library, const char* name)
     return reinterpret_cast<Function>(address);
 }
 
-void send(QWidget* widget, QEvent::Type type, const QPoint& p)
-{
-    QMouseEvent event(type, p, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(widget, &event);
-}
-
-void drag(QWidget* widget, const QPoint& from, const QPoint& to)
-{
-    send(widget, QEvent::MouseButtonPress, from);
-    send(widget, QEvent::MouseMove, to);
-    send(widget, QEvent::MouseButtonRelease, to);
-}
-
 /// A whole capture with every tool, and colours that are stored.
 void takeCapture(void* library, const QString& settings)
 {
@@ -57,7 +44,7 @@ void takeCapture(void* library, const QString& settings)
     init(settings);
     const QPointer<QDialog> capture = get();
     show(capture, true);
-    drag(capture, QPoint(50, 50), QPoint(349, 249));
+    Mouse(capture).drag(QPoint(50, 50), QPoint(349, 249));
     const auto buttons = capture->findChild<QWidget*>("mainToolBar")->findChildren<QPushButton*>();
     for (QPushButton* button : buttons) {
         if (!button->isCheckable())
@@ -65,7 +52,7 @@ void takeCapture(void* library, const QString& settings)
         button->click();
         for (QObject* child : capture->children()) {
             if (child->inherits("ScribbleArea"))
-                drag(static_cast<QWidget*>(child), QPoint(20, 20), QPoint(90, 70));
+                Mouse(static_cast<QWidget*>(child)).drag(QPoint(20, 20), QPoint(90, 70));
         }
         require(QMetaObject::invokeMethod(capture, "onPenColorChanged", Q_ARG(QColor, Qt::green)),
                 "colour");

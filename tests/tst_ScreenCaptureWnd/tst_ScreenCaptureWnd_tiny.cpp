@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "BehaviourTest.h"
 #include "CaptureProbe.h"
 
 #include <QScreen>
 
 /// A display of one pixel: everything still works, on next to nothing.
-class tst_ScreenCaptureWnd_tiny : public BehaviourTest
+class tst_ScreenCaptureWnd_tiny : public CaptureTest
 {
     Q_OBJECT
 
@@ -16,20 +15,16 @@ private slots:
 void tst_ScreenCaptureWnd_tiny::captureOnOnePixel()
 {
     QCOMPARE(QGuiApplication::primaryScreen()->virtualSize(), QSize(1, 1));
-    CaptureProbe capture;
-    Receiver receiver;
-    capture.window()->connectTo(&receiver, SLOT(onCaptured(QImage, bool)));
-    capture.window()->showFullDesktop(true);
-    QVERIFY(QTest::qWaitForWindowExposed(capture.window()));
-    capture.drag(QPoint(0, 0), QPoint(40, 40));
+    QVERIFY(QTest::qWaitForWindowExposed(window()));
+    m_capture->drag(QPoint(0, 0), QPoint(40, 40));
     // Clamped to the window, the band never gets 3 pixels wide.
-    QCOMPARE(capture.region()->rect(), QRect(QPoint(0, 0), QPoint(1, 1)));
-    QVERIFY(!capture.region()->isVisible());
-    capture.window()->accept();
+    QCOMPARE(m_capture->region()->rect(), QRect(QPoint(0, 0), QPoint(1, 1)));
+    QVERIFY(!m_capture->region()->isVisible());
+    window()->accept();
     deliver();
-    QCOMPARE(receiver.count, 1);
-    QVERIFY(receiver.finished);
-    QVERIFY(receiver.image.isNull());
+    QCOMPARE(m_receiver->count, 1);
+    QVERIFY(m_receiver->finished);
+    QVERIFY(m_receiver->image.isNull());
 }
 
 QTEST_MAIN(tst_ScreenCaptureWnd_tiny)

@@ -1,20 +1,25 @@
 // SPDX-License-Identifier: MIT
-#include "BehaviourTest.h"
-#include "ToolBarsProbe.h"
+#include "CaptureProbe.h"
+#include "Pictures.h"
 
 #include <QAccessible>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QIcon>
+#include <QRegularExpression>
 #include <QSet>
-#include <QTimer>
+#include <QToolTip>
 #include <QTranslator>
 
 namespace
 {
 
-constexpr QSize kLayoutDecides(-1, -1);
 const QRect kRegion(QPoint(300, 100), QPoint(699, 299));
+constexpr QSize kToolSizePx(30, 26);
+constexpr QSize kDoneSizePx(60, 26);
+constexpr QSize kFontBoxSizePx(45, 26);
+constexpr QSize kSeparatorSizePx(3, 26);
+constexpr QSize kLayoutDecides(-1, -1);
+constexpr int kReadableContrast = 128;
 
 QImage iconFile(const QString& name)
 {
@@ -46,38 +51,95 @@ public:
     bool isEmpty() const override { return false; }
 };
 
+/// What is written in the middle of a white button, its frame left aside.
+QRect inkOf(QWidget* widget)
+{
+    constexpr int kFramePx = 3;
+    const QImage image = widget->grab().toImage();
+    QRect ink;
+    for (int y = kFramePx; y < image.height() - kFramePx; ++y) {
+        for (int x = kFramePx; x < image.width() - kFramePx; ++x) {
+            if (qGray(image.pixel(x, y)) < 128)
+                ink |= QRect(x, y, 1, 1);
+        }
+    }
+    return ink;
+}
+
+/// The darkest and the lightest grey of a picture.
+QPair<int, int> greys(const QImage& image)
+{
+    QPair<int, int> found(255, 0);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            found.first = qMin(found.first, qGray(image.pixel(x, y)));
+            found.second = qMax(found.second, qGray(image.pixel(x, y)));
+        }
+    }
+    return found;
+}
+
+/// Whether something dark is written on white.
+bool isReadable(QWidget* widget)
+{
+    const auto [darkest, lightest] = greys(widget->grab().toImage());
+    return lightest - darkest > kReadableContrast && lightest > 240;
+}
+
+QWidget* visibleToolTip()
+{
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->inherits("QTipLabel") && widget->isVisible())
+            return widget;
+    }
+    return nullptr;
+}
+
 } // namespace
 
-/// What stands in the two tool bars, and what its commands do.
-class tst_ScreenCaptureWnd_toolbars : public BehaviourTest
+/// What stands in the two tool bars and how it looks, also in an application with a style sheet or
+/// with a dark theme.
+class tst_ScreenCaptureWnd_toolbars : public CaptureTest
 {
     Q_OBJECT
 
 private slots:
+    void cleanup();
     void barsAreHiddenWhiteChildren_data();
     void barsAreHiddenWhiteChildren();
-    void mainBarHasThirteenItemsAtADistance();
+    void barsHoldTheirItemsInARow();
     void mainBarItem_data();
     void mainBarItem();
-    void separatorsShowTheLine_data();
     void separatorsShowTheLine();
     void redoHasTheSizeThatTheLayoutGives();
-    void redoIsDisabledAtFirst();
     void doneIsTheOnlyDefaultButton();
-    void subBarHasSixItems();
-    void subBarItemHasItsClass_data();
-    void subBarItemHasItsClass();
-    void fontSizeLabelShowsTheTextIcon();
     void fontSizesAreOffered();
     void blurPanelHasALabelAndASlider();
-    void settingsGoToTheWindow();
-    void commands_data();
-    void commands();
-    void saveButtonAsksForAName();
-    void mainBarAppearsWithTheRegion();
-    void everyControlHasAnAccessibleName();
-    void everyTextIsTranslated();
+    void commandsDoWhatTheirSlotsDo_data();
+    void commandsDoWhatTheirSlotsDo();
+    void everyControlHasATranslatedName();
+
+    void barsKeepTheirSizesUnderAStyleSheet_data();
+    void barsKeepTheirSizesUnderAStyleSheet();
+    void withoutAStyleSheetTheWindowHasNone();
+
+    void textsAreReadableInADarkTheme();
+    void toolTipsAreReadableInADarkTheme();
+    void whatCannotBePressedIsPaleInADarkTheme();
+    void textIsTypedAsThePaletteShowsInADarkTheme();
+
+private:
+    /// Begins a capture in an application with a dark theme.
+    void restartInTheDark();
 };
+
+void tst_ScreenCaptureWnd_toolbars::cleanup()
+{
+    CaptureTest::cleanup();
+    qApp->setStyleSheet(QString());
+    QApplication::setPalette(QPalette());
+    QToolTip::setPalette(QPalette());
+}
 
 void tst_ScreenCaptureWnd_toolbars::barsAreHiddenWhiteChildren_data()
 {
@@ -89,9 +151,8 @@ void tst_ScreenCaptureWnd_toolbars::barsAreHiddenWhiteChildren_data()
 void tst_ScreenCaptureWnd_toolbars::barsAreHiddenWhiteChildren()
 {
     QFETCH(QString, name);
-    ToolBarsProbe capture;
-    auto* bar = capture.window()->findChild<QWidget*>(name);
-    QCOMPARE(bar->parentWidget(), capture.window());
+    auto* bar = window()->findChild<QWidget*>(name);
+    QCOMPARE(bar->parentWidget(), window());
     QCOMPARE(bar->metaObject()->className(), "QWidget");
     QVERIFY(bar->isHidden());
     QCOMPARE(bar->styleSheet(), QString("background:rgba(255,255,255,100%)"));
@@ -99,205 +160,149 @@ void tst_ScreenCaptureWnd_toolbars::barsAreHiddenWhiteChildren()
     QVERIFY(bar->autoFillBackground());
     QVERIFY(bar->testAttribute(Qt::WA_SetCursor));
     QCOMPARE(bar->cursor().shape(), Qt::ArrowCursor);
-    QVERIFY(qobject_cast<QHBoxLayout*>(bar->layout()));
-    capture.window()->showFullDesktop(true);
-    QVERIFY(bar->isHidden());
+    // A press between the buttons is no press on the window.
+    m_capture->drag(kRegion);
+    bar->show();
+    QTest::mouseClick(bar, Qt::RightButton, {}, QPoint(0, 0));
+    QTest::mouseDClick(bar, Qt::LeftButton, {}, QPoint(0, 0));
+    QVERIFY(window()->isVisible());
+    QVERIFY(m_capture->region()->isVisible());
 }
 
-void tst_ScreenCaptureWnd_toolbars::mainBarHasThirteenItemsAtADistance()
+void tst_ScreenCaptureWnd_toolbars::barsHoldTheirItemsInARow()
 {
-    ToolBarsProbe capture;
-    const auto* layout = qobject_cast<QHBoxLayout*>(capture.mainBar()->layout());
-    QCOMPARE(layout->count(), int(MainItemCount));
-    QCOMPARE(layout->contentsMargins(), QMargins(2, 2, 2, 2));
+    QWidget* const mainBar = m_capture->mainBar();
+    QWidget* const subBar = m_capture->subBar();
     QWidget other;
-    QCOMPARE(layout->spacing(), QHBoxLayout(&other).spacing());
-    for (int i = 0; i < layout->count(); ++i) {
-        QCOMPARE(layout->stretch(i), 0);
-        QVERIFY(layout->itemAt(i)->widget());
-        QCOMPARE(layout->itemAt(i)->widget()->parentWidget(), capture.mainBar());
+    for (const QWidget* bar : {mainBar, subBar}) {
+        const auto* layout = qobject_cast<QHBoxLayout*>(bar->layout());
+        QVERIFY(layout);
+        QCOMPARE(layout->count(), bar == mainBar ? int(MainItemCount) : int(SubItemCount));
+        const int margin = bar == mainBar ? 2 : 0;
+        QCOMPARE(layout->contentsMargins(), QMargins(margin, margin, margin, margin));
+        QCOMPARE(layout->spacing(), QHBoxLayout(&other).spacing());
+        for (int i = 0; i < layout->count(); ++i) {
+            QCOMPARE(layout->stretch(i), 0);
+            QCOMPARE(layout->itemAt(i)->widget()->parentWidget(), bar);
+        }
+        QCOMPARE(bar->maximumWidth(), QWIDGETSIZE_MAX);
     }
-    QCOMPARE(capture.mainBar()->minimumHeight(), 30);
-    QCOMPARE(capture.mainBar()->maximumHeight(), 30);
-    QCOMPARE(capture.mainBar()->maximumWidth(), QWIDGETSIZE_MAX);
+    QCOMPARE(mainBar->minimumHeight(), 30);
+    QCOMPARE(mainBar->maximumHeight(), 30);
+    QCOMPARE(subBar->minimumSize(), QSize(0, 0));
+    QCOMPARE(subBar->maximumHeight(), QWIDGETSIZE_MAX);
+    const char* const subBarClasses[] = {"QLabel", "QComboBox", "PenWidthWidget",
+                                         "QLabel", "QWidget",   "ColorWidget"};
+    for (int i = 0; i < SubItemCount; ++i)
+        QCOMPARE(m_capture->at(SubItem(i))->metaObject()->className(), subBarClasses[i]);
 }
 
 void tst_ScreenCaptureWnd_toolbars::mainBarItem_data()
 {
-    QTest::addColumn<int>("item");
-    QTest::addColumn<QString>("icon");
+    QTest::addColumn<MainItem>("item");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("toolTip");
     QTest::addColumn<QSize>("size");
     QTest::addColumn<bool>("checkable");
     QTest::addColumn<QKeySequence>("shortcut");
 
-    const QSize usual(30, 26);
     const QKeySequence none;
-    const auto row = [&](MainItem item, const char* icon, const char* toolTip, const QSize& size,
-                         bool checkable, const QKeySequence& shortcut) {
-        QTest::newRow(icon) << int(item) << icon << QString() << toolTip << size << checkable
-                            << shortcut;
+    const auto row = [](const char* icon, MainItem item, const char* toolTip, const QSize& size,
+                        bool checkable, const QKeySequence& shortcut) {
+        QTest::newRow(icon) << item << QString() << toolTip << size << checkable << shortcut;
     };
-    row(Scribble, "pen", "scribble", usual, true, none);
-    row(Text, "text", "text", usual, true, none);
-    row(Arrow, "arrow", "Arrow", usual, true, none);
-    row(Rectangle, "rect", "Rectangle", usual, true, none);
-    row(Ellipse, "circle", "Ellipse", usual, true, none);
-    row(Mosaic, "mosaic", "Mosaic", usual, true, none);
-    row(Undo, "undo", "undo", usual, false, QKeySequence::Undo);
-    row(Redo, "redo", "redo", kLayoutDecides, false, QKeySequence::Redo);
-    row(Save, "save", "save", usual, false, none);
-    row(Close, "close", "close", usual, false, none);
-    QTest::newRow("done") << int(Done) << "done" << QString("done") << QString() << QSize(60, 26)
-                          << false << none;
+    row("pen", Scribble, "scribble", kToolSizePx, true, none);
+    row("text", Text, "text", kToolSizePx, true, none);
+    row("arrow", Arrow, "Arrow", kToolSizePx, true, none);
+    row("rect", Rectangle, "Rectangle", kToolSizePx, true, none);
+    row("circle", Ellipse, "Ellipse", kToolSizePx, true, none);
+    row("mosaic", Mosaic, "Mosaic", kToolSizePx, true, none);
+    row("undo", Undo, "undo", kToolSizePx, false, QKeySequence::Undo);
+    row("redo", Redo, "redo", kLayoutDecides, false, QKeySequence::Redo);
+    row("save", Save, "save", kToolSizePx, false, none);
+    row("close", Close, "close", kToolSizePx, false, none);
+    QTest::newRow("done") << Done << "done" << QString() << kDoneSizePx << false << none;
 }
 
 void tst_ScreenCaptureWnd_toolbars::mainBarItem()
 {
-    QFETCH(int, item);
-    QFETCH(QString, icon);
+    QFETCH(MainItem, item);
     QFETCH(QString, text);
     QFETCH(QString, toolTip);
     QFETCH(QSize, size);
     QFETCH(bool, checkable);
     QFETCH(QKeySequence, shortcut);
-    ToolBarsProbe capture;
-    const QPushButton* button = capture.button(MainItem(item));
+    const QPushButton* button = m_capture->button(item);
     QVERIFY(button);
     QCOMPARE(button->metaObject()->className(), "QPushButton");
-    QVERIFY(!iconFile(icon).isNull());
-    QCOMPARE(button->icon().pixmap(16, 16).toImage(), iconFile(icon));
+    const QImage icon = iconFile(QTest::currentDataTag());
+    QVERIFY(!icon.isNull());
+    QCOMPARE(button->icon().pixmap(16, 16).toImage(), icon);
     QCOMPARE(button->text(), text);
     QCOMPARE(button->toolTip(), toolTip);
     QCOMPARE(button->isCheckable(), checkable);
     QVERIFY(!button->isChecked());
     QCOMPARE(button->shortcut(), shortcut);
-    QVERIFY(!button->autoDefault());
     QCOMPARE(button->isEnabled(), item != Redo);
     if (size != kLayoutDecides)
         QVERIFY(hasFixedSize(button, size));
 }
 
-void tst_ScreenCaptureWnd_toolbars::separatorsShowTheLine_data()
-{
-    QTest::addColumn<bool>("main");
-    QTest::addColumn<int>("item");
-    QTest::newRow("before undo") << true << int(FirstSeparator);
-    QTest::newRow("before close") << true << int(SecondSeparator);
-    QTest::newRow("in the sub bar") << false << int(SubSeparator);
-}
-
 void tst_ScreenCaptureWnd_toolbars::separatorsShowTheLine()
 {
-    QFETCH(bool, main);
-    QFETCH(int, item);
-    ToolBarsProbe capture;
-    const auto* separator =
-        qobject_cast<QLabel*>(main ? capture.at(MainItem(item)) : capture.at(SubItem(item)));
-    QVERIFY(separator);
-    QCOMPARE(separator->pixmap(Qt::ReturnByValue).toImage(), iconFile("sep"));
-    QVERIFY(hasFixedSize(separator, QSize(3, 26)));
-    QVERIFY(separator->toolTip().isEmpty());
+    for (QWidget* item : {m_capture->at(FirstSeparator), m_capture->at(SecondSeparator),
+                          m_capture->at(SubSeparator)}) {
+        const auto* separator = qobject_cast<QLabel*>(item);
+        QVERIFY(separator);
+        QCOMPARE(separator->pixmap(Qt::ReturnByValue).toImage(), iconFile("sep"));
+        QVERIFY(hasFixedSize(separator, kSeparatorSizePx));
+        QVERIFY(separator->toolTip().isEmpty());
+    }
 }
 
+// Intended: it alone has no size of its own.
 void tst_ScreenCaptureWnd_toolbars::redoHasTheSizeThatTheLayoutGives()
 {
-    ToolBarsProbe capture;
-    const QPushButton* redo = capture.button(Redo);
+    const QPushButton* redo = m_capture->button(Redo);
     QCOMPARE(redo->minimumSize(), QSize(0, 0));
     QCOMPARE(redo->maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
-    capture.window()->showFullDesktop(true);
-    capture.drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->drag(kRegion);
     QCOMPARE(redo->width(), redo->sizeHint().width());
-    QCOMPARE(capture.mainBar()->width(), capture.mainBar()->layout()->sizeHint().width());
-}
-
-void tst_ScreenCaptureWnd_toolbars::redoIsDisabledAtFirst()
-{
-    ToolBarsProbe capture;
-    QVERIFY(!capture.button(Redo)->isEnabled());
-    QVERIFY(capture.button(Undo)->isEnabled());
+    QCOMPARE(m_capture->mainBar()->width(), m_capture->mainBar()->layout()->sizeHint().width());
 }
 
 void tst_ScreenCaptureWnd_toolbars::doneIsTheOnlyDefaultButton()
 {
-    ToolBarsProbe capture;
-    QList<QPushButton*> defaults;
-    for (QPushButton* button : capture.window()->findChildren<QPushButton*>()) {
+    for (const QPushButton* button : window()->findChildren<QPushButton*>()) {
         QVERIFY(!button->autoDefault());
-        if (button->isDefault())
-            defaults << button;
+        QCOMPARE(button->isDefault(), button == m_capture->button(Done));
     }
-    QCOMPARE(defaults, QList<QPushButton*>{capture.button(Done)});
-}
-
-void tst_ScreenCaptureWnd_toolbars::subBarHasSixItems()
-{
-    ToolBarsProbe capture;
-    const auto* layout = qobject_cast<QHBoxLayout*>(capture.subBar()->layout());
-    QCOMPARE(layout->count(), int(SubItemCount));
-    QCOMPARE(layout->contentsMargins(), QMargins(0, 0, 0, 0));
-    for (int i = 0; i < layout->count(); ++i) {
-        QCOMPARE(layout->stretch(i), 0);
-        QCOMPARE(layout->itemAt(i)->widget()->parentWidget(), capture.subBar());
-    }
-    QCOMPARE(capture.subBar()->minimumSize(), QSize(0, 0));
-    QCOMPARE(capture.subBar()->maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
-}
-
-void tst_ScreenCaptureWnd_toolbars::subBarItemHasItsClass_data()
-{
-    QTest::addColumn<int>("item");
-    QTest::addColumn<QByteArray>("className");
-    QTest::newRow("font size label") << int(FontLabel) << QByteArray("QLabel");
-    QTest::newRow("font size box") << int(FontBox) << QByteArray("QComboBox");
-    QTest::newRow("width picker") << int(WidthPicker) << QByteArray("PenWidthWidget");
-    QTest::newRow("separator") << int(SubSeparator) << QByteArray("QLabel");
-    QTest::newRow("blur panel") << int(BlurPanel) << QByteArray("QWidget");
-    QTest::newRow("palette") << int(Palette) << QByteArray("ColorWidget");
-}
-
-void tst_ScreenCaptureWnd_toolbars::subBarItemHasItsClass()
-{
-    QFETCH(int, item);
-    QFETCH(QByteArray, className);
-    ToolBarsProbe capture;
-    QCOMPARE(QByteArray(capture.at(SubItem(item))->metaObject()->className()), className);
-}
-
-void tst_ScreenCaptureWnd_toolbars::fontSizeLabelShowsTheTextIcon()
-{
-    ToolBarsProbe capture;
-    const auto* label = qobject_cast<QLabel*>(capture.at(FontLabel));
-    QCOMPARE(label->pixmap(Qt::ReturnByValue).toImage(), iconFile("text"));
-    QCOMPARE(label->margin(), 6);
 }
 
 void tst_ScreenCaptureWnd_toolbars::fontSizesAreOffered()
 {
-    ToolBarsProbe capture;
-    const QComboBox* box = capture.fontBox();
+    const auto* label = qobject_cast<QLabel*>(m_capture->at(FontLabel));
+    QCOMPARE(label->pixmap(Qt::ReturnByValue).toImage(), iconFile("text"));
+    QCOMPARE(label->margin(), 6);
+    const QComboBox* box = m_capture->fontBox();
     QStringList items;
     for (int i = 0; i < box->count(); ++i)
         items << box->itemText(i);
     QCOMPARE(items, QStringList({"8", "9", "10", "11", "12", "14", "16", "18", "20", "22"}));
     QCOMPARE(box->currentIndex(), 0);
     QVERIFY(!box->isEditable());
-    QVERIFY(hasFixedSize(box, QSize(45, 26)));
+    QVERIFY(hasFixedSize(box, kFontBoxSizePx));
 }
 
 void tst_ScreenCaptureWnd_toolbars::blurPanelHasALabelAndASlider()
 {
-    ToolBarsProbe capture;
-    const QWidget* panel = capture.at(BlurPanel);
+    const QWidget* panel = m_capture->at(BlurPanel);
     QVERIFY(hasFixedSize(panel, QSize(140, 20)));
     const auto* layout = qobject_cast<QHBoxLayout*>(panel->layout());
     QCOMPARE(layout->contentsMargins(), QMargins(0, 0, 0, 0));
     QCOMPARE(layout->count(), 2);
-    const auto* label = qobject_cast<QLabel*>(layout->itemAt(0)->widget());
-    QCOMPARE(label->text(), QString("Blur"));
-    const QSlider* slider = capture.blurSlider();
+    QCOMPARE(qobject_cast<QLabel*>(layout->itemAt(0)->widget())->text(), QString("Blur"));
+    const QSlider* slider = m_capture->blurSlider();
     QCOMPARE(layout->itemAt(1)->widget(), slider);
     QVERIFY(hasFixedSize(slider, QSize(80, 20)));
     QCOMPARE(slider->orientation(), Qt::Horizontal);
@@ -309,114 +314,185 @@ void tst_ScreenCaptureWnd_toolbars::blurPanelHasALabelAndASlider()
     QCOMPARE(slider->toolTip(), QString("Blur"));
 }
 
-void tst_ScreenCaptureWnd_toolbars::settingsGoToTheWindow()
+void tst_ScreenCaptureWnd_toolbars::commandsDoWhatTheirSlotsDo_data()
 {
-    ToolBarsProbe capture;
-    const QObject* window = capture.window();
-    QVERIFY(disconnect(capture.fontBox(), SIGNAL(currentIndexChanged(QString)), window,
-                       SLOT(onFontSizeChanged(QString))));
-    QVERIFY(disconnect(capture.widthPicker(), SIGNAL(currentWidthChanged(int)), window,
-                       SLOT(onPenWidthChanged(int))));
-    QVERIFY(disconnect(capture.blurSlider(), SIGNAL(valueChanged(int)), window,
-                       SLOT(onMosaicBlurChanged(int))));
-    QVERIFY(disconnect(capture.palette(), SIGNAL(currentColorChanged(QColor)), window,
-                       SLOT(onPenColorChanged(QColor))));
+    QTest::addColumn<MainItem>("item");
+    QTest::addColumn<bool>("drops");
+    QTest::addColumn<bool>("asks");
+    QTest::newRow("undo") << Undo << true << false;
+    QTest::newRow("redo, disabled") << Redo << false << false;
+    QTest::newRow("save") << Save << false << true;
 }
 
-void tst_ScreenCaptureWnd_toolbars::commands_data()
+// Close and done are among the endings.
+void tst_ScreenCaptureWnd_toolbars::commandsDoWhatTheirSlotsDo()
 {
-    QTest::addColumn<int>("item");
-    QTest::addColumn<int>("results");
-    QTest::addColumn<bool>("finished");
-    QTest::newRow("undo drops the region") << int(Undo) << 0 << false;
-    QTest::newRow("close cancels") << int(Close) << 1 << false;
-    QTest::newRow("done finishes") << int(Done) << 1 << true;
-}
-
-void tst_ScreenCaptureWnd_toolbars::commands()
-{
-    QFETCH(int, item);
-    QFETCH(int, results);
-    QFETCH(bool, finished);
-    ToolBarsProbe capture;
-    Receiver receiver;
-    capture.window()->connectTo(&receiver, SLOT(onCaptured(QImage, bool)));
-    capture.window()->showFullDesktop(true);
-    capture.drag(kRegion.topLeft(), kRegion.bottomRight());
-    QTest::mouseClick(capture.at(MainItem(item)), Qt::LeftButton);
-    QVERIFY(capture.mainBar()->isHidden() || results == 1);
-    deliver();
-    QCOMPARE(receiver.count, results);
-    QCOMPARE(receiver.finished, finished);
-    QCOMPARE(capture.isGone(), results == 1);
-}
-
-void tst_ScreenCaptureWnd_toolbars::saveButtonAsksForAName()
-{
-    ToolBarsProbe capture;
-    capture.window()->showFullDesktop(true);
-    capture.drag(kRegion.topLeft(), kRegion.bottomRight());
+    QFETCH(MainItem, item);
+    QFETCH(bool, drops);
+    QFETCH(bool, asks);
+    m_capture->drag(kRegion);
     bool asked = false;
-    QTimer::singleShot(0, qApp, [&asked] {
-        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-        asked = dialog != nullptr;
-        if (dialog)
-            dialog->reject();
-    });
-    capture.button(Save)->click();
-    QVERIFY(asked);
-    QVERIFY(capture.mainBar()->isVisible());
+    if (asks) {
+        whileSaving([&asked](QFileDialog& dialog) {
+            asked = true;
+            dialog.reject();
+        });
+    }
+    QTest::mouseClick(m_capture->at(item), Qt::LeftButton);
+    QCOMPARE(asked, asks);
+    QCOMPARE(m_capture->mainBar()->isHidden(), drops);
 }
 
-void tst_ScreenCaptureWnd_toolbars::mainBarAppearsWithTheRegion()
-{
-    ToolBarsProbe capture;
-    capture.window()->showFullDesktop(true);
-    capture.press(kRegion.topLeft());
-    capture.move(kRegion.bottomRight());
-    QVERIFY(capture.mainBar()->isHidden());
-    capture.release(kRegion.bottomRight());
-    QVERIFY(capture.mainBar()->isVisible());
-    QVERIFY(capture.subBar()->isHidden());
-    QVERIFY(capture.checkedTools().isEmpty());
-    const QPoint place(kRegion.right() - capture.mainBar()->width(), kRegion.bottom() + 6);
-    QCOMPARE(capture.mainBar()->pos(), place);
-}
-
-void tst_ScreenCaptureWnd_toolbars::everyControlHasAnAccessibleName()
-{
-    ToolBarsProbe capture;
-    QSet<QString> names;
-    for (const MainItem item :
-         {Scribble, Text, Arrow, Rectangle, Ellipse, Mosaic, Undo, Redo, Save, Close, Done})
-        names << accessibleName(capture.at(item));
-    // To assistive tools the name of a combo box is its value here.
-    names << capture.fontBox()->accessibleName() << accessibleName(capture.widthSlider());
-    names << accessibleName(capture.blurSlider()) << accessibleName(capture.palette());
-    QVERIFY(!names.contains(QString()));
-    QCOMPARE(names.size(), 15);
-}
-
-void tst_ScreenCaptureWnd_toolbars::everyTextIsTranslated()
+// To assistive tools the name of a combo box is its value here.
+void tst_ScreenCaptureWnd_toolbars::everyControlHasATranslatedName()
 {
     Brackets brackets;
     QVERIFY(QCoreApplication::installTranslator(&brackets));
-    ToolBarsProbe capture;
+    restart();
     QCoreApplication::removeTranslator(&brackets);
-    const QRegularExpression bracketed("^\\[.+\\]$");
-    for (const MainItem item :
-         {Scribble, Text, Arrow, Rectangle, Ellipse, Mosaic, Undo, Redo, Save, Close}) {
-        QVERIFY2(bracketed.match(capture.at(item)->toolTip()).hasMatch(),
-                 qPrintable(capture.at(item)->toolTip()));
-        QVERIFY(bracketed.match(accessibleName(capture.at(item))).hasMatch());
+    QStringList names = {m_capture->fontBox()->accessibleName(),
+                         accessibleName(m_capture->widthSlider()),
+                         accessibleName(m_capture->blurSlider()),
+                         accessibleName(m_capture->palette()), m_capture->button(Done)->text()};
+    QStringList texts = {m_capture->blurSlider()->toolTip(),
+                         m_capture->at(BlurPanel)->findChild<QLabel*>()->text()};
+    for (const MainItem item : kTools + Tools{Undo, Redo, Save, Close}) {
+        names << accessibleName(m_capture->at(item));
+        texts << m_capture->at(item)->toolTip();
     }
-    QCOMPARE(capture.button(Done)->text(), QString("[done]"));
-    QCOMPARE(capture.blurSlider()->toolTip(), QString("[Blur]"));
-    QCOMPARE(capture.at(BlurPanel)->findChild<QLabel*>()->text(), QString("[Blur]"));
-    QVERIFY(bracketed.match(accessibleName(capture.blurSlider())).hasMatch());
-    QVERIFY(bracketed.match(accessibleName(capture.widthSlider())).hasMatch());
-    QVERIFY(bracketed.match(capture.fontBox()->accessibleName()).hasMatch());
-    QVERIFY(bracketed.match(accessibleName(capture.palette())).hasMatch());
+    QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), 15);
+    const QRegularExpression bracketed("^\\[.+\\]$");
+    for (const QString& text : names + texts)
+        QVERIFY2(bracketed.match(text).hasMatch(), qPrintable(text));
+}
+
+void tst_ScreenCaptureWnd_toolbars::barsKeepTheirSizesUnderAStyleSheet_data()
+{
+    QTest::addColumn<QString>("styleSheet");
+    QTest::newRow("frames, padding and a font size")
+        << "QPushButton { background: #444; color: white; border: 3px solid red; padding: 12px }"
+           "QLabel { color: yellow } * { font-size: 20px }";
+    QTest::newRow("sizes and margins for every widget")
+        << "QWidget { background: #222; color: #eee; border: 1px solid #888; min-height: 40px;"
+           "margin: 5px } QSlider::handle { background: green } QComboBox { background: black }";
+    QTest::newRow("wide buttons") << "QPushButton { min-width: 90px; min-height: 32px }";
+}
+
+void tst_ScreenCaptureWnd_toolbars::barsKeepTheirSizesUnderAStyleSheet()
+{
+    QFETCH(QString, styleSheet);
+    qApp->setStyleSheet(styleSheet);
+    restart();
+    m_capture->drag(QPoint(20, 20), QPoint(600, 300));
+    QCOMPARE(m_capture->mainBar()->height(), 30);
+    for (const MainItem item : kTools + Tools{Undo, Redo, Save, Close, Done}) {
+        const QWidget* button = m_capture->at(item);
+        QVERIFY(m_capture->mainBar()->rect().contains(button->geometry()));
+        if (item != Redo)
+            QCOMPARE(button->size(), item == Done ? kDoneSizePx : kToolSizePx);
+    }
+    for (const MainItem item : {FirstSeparator, SecondSeparator})
+        QCOMPARE(m_capture->at(item)->size(), kSeparatorSizePx);
+
+    // The chosen tool is marked, and what is written is written in full.
+    QPushButton* pen = m_capture->button(Scribble);
+    const QImage before = pen->grab().toImage();
+    pen->click();
+    const QImage chosen = pen->grab().toImage();
+    QVERIFY(chosen != before);
+    m_capture->choose(Text);
+    QVERIFY(pen->grab().toImage() != chosen);
+    QVERIFY(inkOf(pen).isValid());
+    QCOMPARE(m_capture->at(Text)->size(), kToolSizePx);
+    QPushButton* done = m_capture->button(Done);
+    done->setIcon(QIcon());
+    const QRect ink = inkOf(done);
+    const QRect text = QFontMetrics(done->font()).tightBoundingRect("done");
+    QVERIFY(ink.width() >= text.width() - 2);
+    QVERIFY(ink.height() >= text.height() - 2);
+    // In the middle, with the icon's room beside it.
+    QVERIFY(ink.width() <= kDoneSizePx.width() - 20);
+    QVERIFY(qAbs(ink.center().x() - done->rect().center().x()) <= 3);
+
+    // So do the settings.
+    QCOMPARE(m_capture->fontBox()->size(), kFontBoxSizePx);
+    for (const char* size : {"22", "9"}) {
+        m_capture->fontBox()->setCurrentText(size);
+        QCOMPARE(m_capture->textBox()->font().pointSize(), QString(size).toInt());
+        QCOMPARE(m_capture->fontBox()->size(), kFontBoxSizePx);
+    }
+    m_capture->choose(Mosaic);
+    for (const QSlider* slider : {m_capture->widthSlider(), m_capture->blurSlider()})
+        QCOMPARE(slider->height(), 20);
+    QVERIFY(m_capture->subBar()->height() <= 40);
+    for (const QWidget* bar : {m_capture->mainBar(), m_capture->subBar()})
+        QCOMPARE(bar->styleSheet(), QString("background:rgba(255,255,255,100%)"));
+}
+
+void tst_ScreenCaptureWnd_toolbars::withoutAStyleSheetTheWindowHasNone()
+{
+    QCOMPARE(window()->styleSheet(), QString());
+    m_capture->annotate(kRegion, Text);
+    m_capture->fontBox()->setCurrentText("22");
+    QCOMPARE(window()->styleSheet(), QString());
+}
+
+void tst_ScreenCaptureWnd_toolbars::restartInTheDark()
+{
+    QPalette dark(QColor(40, 40, 40), QColor(30, 30, 30));
+    dark.setColor(QPalette::ToolTipText, Qt::white);
+    dark.setColor(QPalette::ToolTipBase, Qt::black);
+    QApplication::setPalette(dark);
+    QToolTip::setPalette(dark);
+    QVERIFY(qGray(dark.color(QPalette::ButtonText).rgb()) > kReadableContrast);
+    restart();
+    m_capture->drag(kRegion);
+}
+
+void tst_ScreenCaptureWnd_toolbars::textsAreReadableInADarkTheme()
+{
+    restartInTheDark();
+    QVERIFY(isReadable(m_capture->at(BlurPanel)->findChild<QLabel*>()));
+    QVERIFY(isReadable(m_capture->fontBox()));
+    QPushButton* done = m_capture->button(Done);
+    done->setIcon(QIcon());
+    QVERIFY(isReadable(done));
+}
+
+void tst_ScreenCaptureWnd_toolbars::toolTipsAreReadableInADarkTheme()
+{
+    restartInTheDark();
+    QPushButton* pen = m_capture->button(Scribble);
+    QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), pen->mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(pen, &ask);
+    QTRY_VERIFY(visibleToolTip());
+    QVERIFY(isReadable(visibleToolTip()));
+    QToolTip::hideText();
+}
+
+void tst_ScreenCaptureWnd_toolbars::whatCannotBePressedIsPaleInADarkTheme()
+{
+    restartInTheDark();
+    QPushButton* redo = m_capture->button(Redo);
+    QVERIFY(!redo->isEnabled());
+    const int pale = greys(redo->grab().toImage()).first;
+    redo->setEnabled(true);
+    QVERIFY(pale > greys(redo->grab().toImage()).first + 32);
+}
+
+// The theme's own text colour would not be seen on a white page.
+void tst_ScreenCaptureWnd_toolbars::textIsTypedAsThePaletteShowsInADarkTheme()
+{
+    restartInTheDark();
+    m_capture->choose(Text);
+    m_capture->stroke(QPoint(20, 20), QPoint(150, 90));
+    QTextEdit* text = m_capture->textBox();
+    QTest::keyClicks(text, "HHH");
+    QImage page(text->size(), QImage::Format_RGB32);
+    page.fill(Qt::white);
+    text->clearFocus();
+    text->render(&page, QPoint(), QRegion(), QWidget::DrawChildren);
+    QVERIFY(greys(page).first < 64);
 }
 
 QTEST_MAIN(tst_ScreenCaptureWnd_toolbars)

@@ -67,7 +67,7 @@ QImage besideRegion(const CaptureProbe& capture, const QImage& overlay)
 {
     const QRect region =
         capture.region()->rect().adjusted(-kHandlesPx, -kLabelPx, kHandlesPx, kHandlesPx);
-    return without(without(overlay, region), capture.toolBar()->geometry());
+    return without(without(overlay, region), capture.mainBar()->geometry());
 }
 
 } // namespace
@@ -177,7 +177,7 @@ void tst_faults_desktops::regionIsDelivered()
 
 ScribbleArea* tst_faults_desktops::annotate(const char* tool)
 {
-    for (QPushButton* button : m_capture->toolBar()->findChildren<QPushButton*>()) {
+    for (QPushButton* button : m_capture->mainBar()->findChildren<QPushButton*>()) {
         if (button->toolTip() == tool)
             button->click();
     }

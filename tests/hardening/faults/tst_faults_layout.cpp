@@ -183,7 +183,7 @@ void tst_faults_layout::screenTurnsUpright()
 
 void tst_faults_layout::screenChangesWhileAnnotating()
 {
-    m_capture->toolBar()->findChild<QPushButton*>()->click();
+    m_capture->mainBar()->findChild<QPushButton*>()->click();
     auto* canvas = m_capture->window()->findChild<ScribbleArea*>();
     QTest::mousePress(canvas, Qt::LeftButton, {}, QPoint(50, 50));
     switchOffAndShrink();

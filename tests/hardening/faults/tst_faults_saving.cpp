@@ -11,13 +11,6 @@
 #include <cerrno>
 #include <functional>
 
-struct ScreenCaptureWndAccess {
-    static void setDesktop(ScreenCaptureWnd* window, const QImage& desktop)
-    {
-        *window->m_desktopImage = desktop;
-    }
-};
-
 namespace
 {
 

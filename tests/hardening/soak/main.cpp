@@ -3,7 +3,8 @@
 //   soak [--captures N]
 #include "BehaviourTest.h"
 #include "Holdings.h"
-#include "ToolBarsProbe.h"
+#include "CaptureProbe.h"
+#include "ScreenCaptureTool.h"
 
 #include <QFileDialog>
 #include <QLineEdit>
@@ -30,7 +31,7 @@ void printUnknown(QtMsgType /*type*/, const QMessageLogContext& /*context*/, con
         std::fprintf(stderr, "%s\n", qPrintable(text));
 }
 
-void useEachTool(const ToolBarsProbe& capture)
+void useEachTool(const CaptureProbe& capture)
 {
     capture.drag(kRegion.topLeft(), kRegion.bottomRight());
     for (const MainItem tool : kTools) {
@@ -61,7 +62,7 @@ void saveAs(ScreenCaptureWnd* window, const QString& name)
 /// False when the result did not come as it should.
 bool takeCapture(int number, const QString& directory)
 {
-    ToolBarsProbe capture;
+    CaptureProbe capture;
     Receiver receiver;
     capture.window()->connectTo(&receiver, SLOT(onCaptured(QImage, bool)));
     capture.window()->showFullDesktop(true);
