@@ -5,7 +5,6 @@
 #include "StdText.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QProcess>
 #include <QScopedPointer>
 #include <QtTest>
@@ -19,22 +18,25 @@
 using Colors = QList<uint>;
 Q_DECLARE_METATYPE(Colors)
 
+static_assert(std::is_base_of<QObject, ScreenCaptureToolHelper>::value);
+static_assert(!std::is_convertible<ScreenCaptureToolHelper*, QObject*>::value);
+
 namespace
 {
 
 const char* const kClient = "--client";
-constexpr uint kDefault = 0xfffb3838;
 constexpr uint kBlue = 0xff0000ff;
-constexpr uint kGreen = 0xff00ff00;
 /// What memory holds when a test begins.
 const Colors kBefore{1, 2, 3, 4};
 const Colors kAllBlue{kBlue, kBlue, kBlue, kBlue};
-/// A file with kAllBlue; Qt sorts entries by name.
-const std::string kBlueFile = "[pen_color]\n"
-                              "arrowColor=4278190335\n"
-                              "ellipseColor=4278190335\n"
-                              "rectColor=4278190335\n"
-                              "scribbleColor=4278190335\n";
+
+/// A file with these numbers. Qt sorts entries by name.
+std::string fileOf(const char* arrow, const char* ellipse, const char* rect, const char* scribble)
+{
+    return std::string("[pen_color]\narrowColor=") + arrow + "\nellipseColor=" + ellipse +
+           "\nrectColor=" + rect + "\nscribbleColor=" + scribble + "\n";
+}
+const std::string kBlueFile = fileOf("4278190335", "4278190335", "4278190335", "4278190335");
 
 Colors colorsNow()
 {
@@ -44,11 +46,15 @@ Colors colorsNow()
             colors.arrowColor.rgba()};
 }
 
-void setColors(const Colors& colors, const QColor& text = QColor())
+ScreenCaptureToolColors record(const Colors& colors, const QColor& text = QColor())
 {
-    ScreenCaptureTool::setPenColor({QColor::fromRgba(colors.at(0)), QColor::fromRgba(colors.at(1)),
-                                    QColor::fromRgba(colors.at(2)), QColor::fromRgba(colors.at(3)),
-                                    text});
+    return {QColor::fromRgba(colors.at(0)), QColor::fromRgba(colors.at(1)),
+            QColor::fromRgba(colors.at(2)), QColor::fromRgba(colors.at(3)), text};
+}
+
+void setColors(const Colors& colors)
+{
+    ScreenCaptureTool::setPenColor(record(colors));
 }
 
 void initIn(const std::string& directory)
@@ -56,21 +62,16 @@ void initIn(const std::string& directory)
     ScreenCaptureTool::init(QString::fromStdString(directory));
 }
 
-void print(const Colors& colors)
-{
-    std::printf("%x %x %x %x\n", colors.at(0), colors.at(1), colors.at(2), colors.at(3));
-}
-
-/// What this program does as a process of its own: with a directory it prints the colours of that
-/// one's file, without any the colours before and after they are set to blue.
+/// What this program does as a process of its own: prints the colours as it finds them, and as it
+/// leaves them, all blue. The settings are in `directory`, if any.
 int runClient(const QStringList& directory)
 {
     if (!directory.isEmpty())
         ScreenCaptureTool::init(directory.first());
-    print(colorsNow());
-    if (directory.isEmpty()) {
-        setColors(kAllBlue);
-        print(colorsNow());
+    for (const Colors& colors : {colorsNow(), kAllBlue}) {
+        setColors(colors);
+        for (const uint color : colorsNow())
+            std::printf("%x ", color);
     }
     return 0;
 }
@@ -87,32 +88,18 @@ private slots:
 
     void recordIsInvalidAtFirst();
     void helperHoldsTheDefaults();
-    void helperIsAnObjectOnlyForItself();
-
-    void withoutInitColorsLiveInMemory();
-    void nextProcessReadsTheFile();
+    void colorsOutliveTheProcessInTheFileOnly();
     void fileIsIn_data();
     void fileIsIn();
-
     void fileIsRead_data();
     void fileIsRead();
-    void missingFileChangesNothing();
-    void missingKeysKeepTheColorsOfAnEarlierInit();
     void colorsAreHandedOutFromMemory();
     void textColorIsNotHandedOut();
-
     void fourColorsAreWritten();
-    void invalidColorsAreWrittenAsBlack();
     void otherEntriesStay_data();
     void otherEntriesStay();
-    void entriesOfOtherWritersStay();
-    void colorsAreWrittenToTheLastDirectory();
-
-    void damagedFileKeepsTheColors_data();
-    void damagedFileKeepsTheColors();
-    void missingDirectoryIsNotMade();
-    void directoryInTheFilesPlaceStays();
-    void directoryBelowAPlainFile();
+    void nothingIsMadeWithoutADirectory_data();
+    void nothingIsMadeWithoutADirectory();
 
 private:
     std::string directory() const { return m_scratch->path("settings"); }
@@ -157,16 +144,9 @@ std::string tst_ScreenCaptureTool::runInAnEmptyDirectory(const QStringList& argu
 void tst_ScreenCaptureTool::recordIsInvalidAtFirst()
 {
     const ScreenCaptureToolColors colors;
-    QVERIFY(!colors.scribbleColor.isValid());
-    QVERIFY(!colors.rectColor.isValid());
-    QVERIFY(!colors.ellipseColor.isValid());
-    QVERIFY(!colors.arrowColor.isValid());
-    QVERIFY(!colors.textColor.isValid());
-    QCOMPARE(sizeof(ScreenCaptureToolColors), 5 * sizeof(QColor));
-    QVERIFY(&colors.scribbleColor < &colors.rectColor);
-    QVERIFY(&colors.rectColor < &colors.ellipseColor);
-    QVERIFY(&colors.ellipseColor < &colors.arrowColor);
-    QVERIFY(&colors.arrowColor < &colors.textColor);
+    for (const QColor& color : {colors.scribbleColor, colors.rectColor, colors.ellipseColor,
+                                colors.arrowColor, colors.textColor})
+        QVERIFY(!color.isValid());
 }
 
 void tst_ScreenCaptureTool::helperHoldsTheDefaults()
@@ -182,50 +162,34 @@ void tst_ScreenCaptureTool::helperHoldsTheDefaults()
     QVERIFY(helper.m_iniPath.isEmpty());
 }
 
-void tst_ScreenCaptureTool::helperIsAnObjectOnlyForItself()
-{
-    QVERIFY((std::is_base_of<QObject, ScreenCaptureToolHelper>::value));
-    QVERIFY((!std::is_convertible<ScreenCaptureToolHelper*, QObject*>::value));
-}
-
 // A file that is made and removed again, such as a lock, shows in the directory's time.
-void tst_ScreenCaptureTool::withoutInitColorsLiveInMemory()
+void tst_ScreenCaptureTool::colorsOutliveTheProcessInTheFileOnly()
 {
     const std::filesystem::path empty = m_scratch->path("empty");
     const auto longAgo = std::filesystem::last_write_time(empty) - std::chrono::hours(1);
     std::filesystem::last_write_time(empty, longAgo);
-    QCOMPARE(runInAnEmptyDirectory({}), std::string("fffb3838 fffb3838 fffb3838 fffb3838\n"
-                                                    "ff0000ff ff0000ff ff0000ff ff0000ff\n"));
+    const QStringList settings(QString::fromStdString(directory()));
+    const std::string red = "fffb3838 fffb3838 fffb3838 fffb3838 ";
+    const std::string blue = "ff0000ff ff0000ff ff0000ff ff0000ff ";
+    QCOMPARE(runInAnEmptyDirectory(settings), red + blue);
+    QCOMPARE(runInAnEmptyDirectory(settings), blue + blue);
+    QCOMPARE(runInAnEmptyDirectory({}), red + blue);
     QVERIFY(std::filesystem::is_empty(empty));
     QVERIFY(std::filesystem::last_write_time(empty) == longAgo);
-}
-
-void tst_ScreenCaptureTool::nextProcessReadsTheFile()
-{
-    const QString settings = QString::fromStdString(directory());
-    QCOMPARE(runInAnEmptyDirectory({settings}),
-             std::string("fffb3838 fffb3838 fffb3838 fffb3838\n"));
-    initIn(directory());
-    setColors({kBlue, kDefault, kDefault, 0x12345678});
-    QCOMPARE(runInAnEmptyDirectory({settings}),
-             std::string("ff0000ff fffb3838 fffb3838 12345678\n"));
 }
 
 void tst_ScreenCaptureTool::fileIsIn_data()
 {
     QTest::addColumn<std::string>("named");
     QTest::addColumn<std::string>("directory");
-    QTest::newRow("relative") << std::string("settings") << std::string("settings");
-    QTest::newRow("working directory") << std::string(".") << std::string(".");
-    QTest::newRow("below") << std::string("settings/more") << std::string("settings/more");
-    QTest::newRow("slash at the end") << std::string("settings/") << std::string("settings");
-    QTest::newRow("needless components")
-        << std::string("settings//./more/.") << std::string("settings/more");
-    QTest::newRow("parent") << std::string("settings/..") << std::string(".");
-    QTest::newRow("backslashes separate")
-        << std::string("settings\\more\\") << std::string("settings/more");
-    QTest::newRow("beyond ASCII") << std::string("截图 ü") << std::string("截图 ü");
-    QTest::newRow("characters of the format") << std::string("a=[%41];") << std::string("a=[%41];");
+    const auto row = [](const char* name, const char* named, const char* directory) {
+        QTest::newRow(name) << std::string(named) << std::string(directory);
+    };
+    row("relative", "settings", "settings");
+    row("working directory", ".", ".");
+    row("backslashes separate", "settings\\more\\", "settings/more");
+    row("beyond ASCII", "截图 ü", "截图 ü");
+    row("characters of the format", "a=[%41];", "a=[%41];");
 }
 
 void tst_ScreenCaptureTool::fileIsIn()
@@ -235,52 +199,45 @@ void tst_ScreenCaptureTool::fileIsIn()
     const WorkingDirectoryScope scope(m_scratch->path());
     std::filesystem::create_directories(m_scratch->path(directory));
     const std::string written = m_scratch->path(directory + "/screencapture.ini");
-
-    initIn(named);
-    setColors(kAllBlue);
-    QCOMPARE(readFile(written), kBlueFile);
-    writeFile(written, "[pen_color]\nrectColor=7\n");
-    initIn(named);
-    QCOMPARE(colorsNow(), Colors({kBlue, 7, kBlue, kBlue}));
-
-    std::filesystem::remove(written);
-    initIn(m_scratch->path(named));
-    setColors(kAllBlue);
-    QCOMPARE(readFile(written), kBlueFile);
+    for (const std::string& name : {named, m_scratch->path(named)}) {
+        initIn(name);
+        setColors(kAllBlue);
+        QCOMPARE(readFile(written), kBlueFile);
+        writeFile(written, "[pen_color]\nrectColor=7\n");
+        initIn(name);
+        QCOMPARE(colorsNow(), Colors({kBlue, 7, kBlue, kBlue}));
+        std::filesystem::remove(written);
+    }
+    QCOMPARE(readFile(m_scratch->path("before/screencapture.ini")), fileOf("4", "3", "2", "1"));
 }
 
 void tst_ScreenCaptureTool::fileIsRead_data()
 {
     QTest::addColumn<std::string>("text");
     QTest::addColumn<Colors>("colors");
-    const auto group = [](const char* name, const char* lines, const Colors& colors) {
-        QTest::newRow(name) << std::string("[pen_color]\n") + lines << colors;
+    const auto row = [](const QByteArray& text, const Colors& colors) {
+        QTest::newRow(text.simplified()) << text.toStdString() << colors;
     };
-    group("scribbleColor", "scribbleColor=4278190335\n", {kBlue, 2, 3, 4});
-    group("rectColor", "rectColor=4278190335\n", {1, kBlue, 3, 4});
-    group("ellipseColor", "ellipseColor=4278190335\n", {1, 2, kBlue, 4});
-    group("arrowColor", "arrowColor=4278190335\n", {1, 2, 3, kBlue});
-    group("textColor", "textColor=4278190335\n", kBefore);
-    group("unknown key", "penColor=4278190335\nrectColor=7\n", {1, 7, 3, 4});
-    group("another case", "rectcolor=4278190335\n", kBefore);
-    group("group within", "more\\rectColor=4278190335\n", kBefore);
-    QTest::newRow("another group") << std::string("[pens]\nrectColor=7\n") << kBefore;
-    QTest::newRow("no group") << std::string("rectColor=7\n") << kBefore;
-
-    group("each byte in its place", "rectColor=305419896\n", {1, 0x12345678, 3, 4});
-    group("all bits", "rectColor=4294967295\n", {1, 0xffffffff, 3, 4});
-    group("quoted", "rectColor=\"4278190335\"\n", {1, kBlue, 3, 4});
-    group("zero", "rectColor=0\n", {1, 0, 3, 4});
-    group("empty", "rectColor=\n", {1, 0, 3, 4});
-    group("word", "rectColor=blue\n", {1, 0, 3, 4});
-    group("color name", "rectColor=#ff0000ff\n", {1, 0, 3, 4});
-    group("hexadecimal", "rectColor=0xff0000ff\n", {1, 0, 3, 4});
-    group("negative", "rectColor=-1\n", {1, 0, 3, 4});
-    group("beyond 32 bits", "rectColor=4294967296\n", {1, 0, 3, 4});
-    group("list", "rectColor=1, 2\n", {1, 0, 3, 4});
-    group("point", "rectColor=@Point(1 2)\n", {1, 0, 3, 4});
-    group("beside a serialised date", "rectColor=7\nx=@Variant(\\0\\0\\0\\xe\\0%\\x84\\xe2)\n",
-          {1, 7, 3, 4});
+    const QByteArray group = "[pen_color]\n";
+    row(group + "scribbleColor=4278190335\n", {kBlue, 2, 3, 4});
+    row(group + "rectColor=4278190335\n", {1, kBlue, 3, 4});
+    row(group + "ellipseColor=4278190335\n", {1, 2, kBlue, 4});
+    row(group + "arrowColor=4278190335\n", {1, 2, 3, kBlue});
+    row(group + "penColor=4278190335\nrectColor=7\n", {1, 7, 3, 4});
+    row(group + "rectColor=\"4278190335\"\n", {1, kBlue, 3, 4});
+    row(group + "rectColor=305419896\n", {1, 0x12345678, 3, 4});
+    row(group + "rectColor=4294967295\n", {1, 0xffffffff, 3, 4});
+    row(group + "rectColor=7\nx=@Variant(\\0\\0\\0\\xe\\0%\\x84\\xe2)\n", {1, 7, 3, 4});
+    for (const char* noNumber :
+         {"", "blue", "#ff0000ff", "0xff0000ff", "-1", "4294967296", "1, 2", "@Point(1 2)"})
+        row(group + "rectColor=" + noNumber + "\n", {1, 0, 3, 4});
+    for (const char* other :
+         {"textColor=7\n", "rectcolor=7\n", "more\\rectColor=7\n", "rectColor\n", ""})
+        row(group + other, kBefore);
+    for (const char* noGroup : {"[pens]\nrectColor=7\n", "rectColor=7\n", "", "[pen_color\nred\n",
+                                "<?xml version=\"1.0\"?>\n<pens/>\n"})
+        row(noGroup, kBefore);
+    QTest::newRow("null bytes") << std::string(4096, '\0') << kBefore;
 }
 
 void tst_ScreenCaptureTool::fileIsRead()
@@ -290,44 +247,21 @@ void tst_ScreenCaptureTool::fileIsRead()
     writeFile(file(), text);
     initIn(directory());
     QCOMPARE(colorsNow(), colors);
-    QCOMPARE(readFile(file()), text);
-}
-
-void tst_ScreenCaptureTool::missingFileChangesNothing()
-{
-    initIn(directory());
-    QCOMPARE(colorsNow(), kBefore);
-    QVERIFY(std::filesystem::is_empty(directory()));
-}
-
-void tst_ScreenCaptureTool::missingKeysKeepTheColorsOfAnEarlierInit()
-{
-    writeFile(m_scratch->path("empty/screencapture.ini"), kBlueFile);
-    writeFile(file(), "[pen_color]\nrectColor=4278255360\n");
-    initIn(m_scratch->path("empty"));
-    QCOMPARE(colorsNow(), kAllBlue);
-    initIn(directory());
-    QCOMPARE(colorsNow(), Colors({kBlue, kGreen, kBlue, kBlue}));
+    QVERIFY(readFile(file()) == text);
 }
 
 void tst_ScreenCaptureTool::colorsAreHandedOutFromMemory()
 {
+    initIn(directory());
+    QVERIFY(std::filesystem::is_empty(directory()));
     writeFile(file(), kBlueFile);
-    initIn(directory());
-    writeFile(file(), "[pen_color]\nrectColor=7\n");
-    QCOMPARE(colorsNow(), kAllBlue);
-    initIn(directory());
-    QCOMPARE(colorsNow(), Colors({kBlue, 7, kBlue, kBlue}));
+    QCOMPARE(colorsNow(), kBefore);
 }
 
 void tst_ScreenCaptureTool::textColorIsNotHandedOut()
 {
-    writeFile(file(), "[pen_color]\ntextColor=4278255360\n");
-    initIn(directory());
-    setColors(kBefore, Qt::yellow);
+    ScreenCaptureTool::setPenColor(record(kBefore, Qt::yellow));
     ScreenCaptureToolColors colors;
-    ScreenCaptureTool::penColor(colors);
-    QVERIFY(!colors.textColor.isValid());
     colors.textColor = Qt::cyan;
     ScreenCaptureTool::penColor(colors);
     QCOMPARE(colors.textColor, QColor(Qt::cyan));
@@ -335,128 +269,60 @@ void tst_ScreenCaptureTool::textColorIsNotHandedOut()
 
 void tst_ScreenCaptureTool::fourColorsAreWritten()
 {
+    const Colors colors{0xfffb3838, kBlue, 0x12345678, 0};
     initIn(directory());
-    setColors({kDefault, kBlue, 0x12345678, 0}, Qt::yellow);
-    QCOMPARE(readFile(file()), std::string("[pen_color]\n"
-                                           "arrowColor=0\n"
-                                           "ellipseColor=305419896\n"
-                                           "rectColor=4278190335\n"
-                                           "scribbleColor=4294654008\n"));
-    QCOMPARE(colorsNow(), Colors({kDefault, kBlue, 0x12345678, 0}));
-    QCOMPARE(QDir(QString::fromStdString(directory()))
-                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-             QStringList("screencapture.ini"));
-}
-
-void tst_ScreenCaptureTool::invalidColorsAreWrittenAsBlack()
-{
-    initIn(directory());
+    ScreenCaptureTool::setPenColor(record(colors, Qt::yellow));
+    QCOMPARE(colorsNow(), colors);
+    QCOMPARE(readFile(file()), fileOf("0", "305419896", "4278190335", "4294654008"));
+    // Invalid colours are black.
+    const char* const black = "4278190080";
     ScreenCaptureTool::setPenColor(ScreenCaptureToolColors());
-    QCOMPARE(readFile(file()), std::string("[pen_color]\n"
-                                           "arrowColor=4278190080\n"
-                                           "ellipseColor=4278190080\n"
-                                           "rectColor=4278190080\n"
-                                           "scribbleColor=4278190080\n"));
-    ScreenCaptureToolColors colors;
-    ScreenCaptureTool::penColor(colors);
-    QVERIFY(!colors.rectColor.isValid());
+    QCOMPARE(readFile(file()), fileOf(black, black, black, black));
+    std::filesystem::remove(file());
+    QVERIFY(std::filesystem::is_empty(directory()));
 }
 
 void tst_ScreenCaptureTool::otherEntriesStay_data()
 {
     QTest::addColumn<std::string>("value");
-    QTest::newRow("number") << std::string("7");
-    QTest::newRow("list") << std::string("cat, dog");
-    QTest::newRow("beyond ASCII") << std::string(R"(\x622a\x56fe)");
-    QTest::newRow("at sign") << std::string("@@home");
-    QTest::newRow("point") << std::string("@Point(1 2)");
-    QTest::newRow("bytes") << std::string(R"(@ByteArray(\0\x1\x61))");
-    QTest::newRow("serialised date") << std::string(R"(@Variant(\0\0\0\xe\0%\x84\xe2))");
+    for (const char* value : {"7", "cat, dog", R"(\x622a\x56fe)", "@@home", "@Point(1 2)",
+                              R"(@ByteArray(\0\x1\x61))", R"(@Variant(\0\0\0\xe\0%\x84\xe2))"})
+        QTest::newRow(value) << std::string(value);
 }
 
+// Another program has written them since the file was read.
 void tst_ScreenCaptureTool::otherEntriesStay()
 {
     QFETCH(std::string, value);
     const std::string above = "[Window]\na=" + value + "\n\n[pen_color]\na=" + value + "\n";
+    const std::string colors = kBlueFile.substr(kBlueFile.find('\n') + 1);
     const std::string below = "textColor=3\nthePenColor=7\n\n[zoo]\na=" + value + "\n";
-    writeFile(file(), above + "scribbleColor=5\n" + below);
-    initIn(directory());
-    QCOMPARE(colorsNow(), Colors({5, 2, 3, 4}));
-    setColors(kAllBlue, Qt::yellow);
-    QCOMPARE(readFile(file()), above +
-                                   "arrowColor=4278190335\n"
-                                   "ellipseColor=4278190335\n"
-                                   "rectColor=4278190335\n"
-                                   "scribbleColor=4278190335\n" +
-                                   below);
-}
-
-void tst_ScreenCaptureTool::entriesOfOtherWritersStay()
-{
     initIn(directory());
     setColors(kBefore);
-    writeFile(file(), "[zoo]\nanimals=cat\n");
-    setColors(kAllBlue);
-    QCOMPARE(readFile(file()), kBlueFile + "\n[zoo]\nanimals=cat\n");
+    writeFile(file(), above + "scribbleColor=5\n" + below);
+    ScreenCaptureTool::setPenColor(record(kAllBlue, Qt::yellow));
+    QCOMPARE(readFile(file()), above + colors + below);
 }
 
-void tst_ScreenCaptureTool::colorsAreWrittenToTheLastDirectory()
+void tst_ScreenCaptureTool::nothingIsMadeWithoutADirectory_data()
 {
-    initIn(directory());
-    initIn(m_scratch->path("empty"));
-    setColors(kAllBlue);
-    QVERIFY(std::filesystem::is_empty(directory()));
-    QCOMPARE(readFile(m_scratch->path("empty/screencapture.ini")), kBlueFile);
+    QTest::addColumn<std::string>("name");
+    QTest::newRow("missing directory") << std::string("empty/missing");
+    QTest::newRow("plain file in its place") << std::string("before/screencapture.ini");
+    QTest::newRow("directory in the file's place") << std::string("settings");
 }
 
-void tst_ScreenCaptureTool::damagedFileKeepsTheColors_data()
+void tst_ScreenCaptureTool::nothingIsMadeWithoutADirectory()
 {
-    QTest::addColumn<std::string>("text");
-    QTest::newRow("empty") << std::string();
-    QTest::newRow("no settings") << std::string("<?xml version=\"1.0\"?>\n<pens/>\n");
-    QTest::newRow("group without an end") << std::string("[pen_color\nred\n");
-    QTest::newRow("group alone") << std::string("[pen_color]");
-    QTest::newRow("key without a value") << std::string("[pen_color]\nrectColor\n");
-    QTest::newRow("null bytes") << std::string(4096, '\0');
-}
-
-void tst_ScreenCaptureTool::damagedFileKeepsTheColors()
-{
-    QFETCH(std::string, text);
-    writeFile(file(), text);
-    initIn(directory());
-    QCOMPARE(colorsNow(), kBefore);
-    QVERIFY(readFile(file()) == text);
-    setColors(kAllBlue);
-    QCOMPARE(colorsNow(), kAllBlue);
-}
-
-void tst_ScreenCaptureTool::missingDirectoryIsNotMade()
-{
-    initIn(m_scratch->path("missing"));
-    setColors(kAllBlue);
-    QCOMPARE(colorsNow(), kAllBlue);
-    QVERIFY(!std::filesystem::exists(m_scratch->path("missing")));
-}
-
-void tst_ScreenCaptureTool::directoryInTheFilesPlaceStays()
-{
+    QFETCH(std::string, name);
     std::filesystem::create_directory(file());
-    initIn(directory());
+    initIn(m_scratch->path(name));
+    QCOMPARE(colorsNow(), kBefore);
     setColors(kAllBlue);
     QCOMPARE(colorsNow(), kAllBlue);
-    QVERIFY(std::filesystem::is_directory(file()));
+    QVERIFY(std::filesystem::is_empty(m_scratch->path("empty")));
     QVERIFY(std::filesystem::is_empty(file()));
-}
-
-void tst_ScreenCaptureTool::directoryBelowAPlainFile()
-{
-    writeFile(file(), kBlueFile);
-    initIn(file());
-    QCOMPARE(colorsNow(), kBefore);
-    setColors({5, 6, 7, 8});
-    QCOMPARE(colorsNow(), Colors({5, 6, 7, 8}));
-    QCOMPARE(readFile(file()), kBlueFile);
+    QCOMPARE(readFile(m_scratch->path("before/screencapture.ini")), fileOf("4", "3", "2", "1"));
 }
 
 int main(int argc, char** argv)
