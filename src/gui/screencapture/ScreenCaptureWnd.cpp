@@ -173,7 +173,7 @@ void ScreenCaptureWnd::reset()
     m_state = StateIdle;
     m_rectCapture->setEnabled(true);
     m_rectCapture->setVisible(false);
-    putCanvasAway();
+    hideCanvas();
     m_mainToolBar->hide();
     if (m_checkedButton) {
         m_checkedButton->setChecked(false);
@@ -187,7 +187,7 @@ void ScreenCaptureWnd::reset()
 }
 
 // Keeps the widget for the next region, but neither its drawing nor its history.
-void ScreenCaptureWnd::putCanvasAway()
+void ScreenCaptureWnd::hideCanvas()
 {
     if (!m_scribbleArea)
         return;
@@ -255,13 +255,13 @@ bool ScreenCaptureWnd::markEnded()
 void ScreenCaptureWnd::accept()
 {
     if (markEnded())
-        deliver(scribbledImage(), true);
+        deliverAndHide(scribbledImage(), true);
 }
 
 void ScreenCaptureWnd::reject()
 {
     if (markEnded())
-        deliver(QImage(), false);
+        deliverAndHide(QImage(), false);
 }
 
 // A host that keeps the window takes another capture by showing it again.
@@ -283,7 +283,7 @@ void ScreenCaptureWnd::closeEvent(QCloseEvent* event)
 }
 
 // A host that is connected directly may delete the window in its slot.
-void ScreenCaptureWnd::deliver(const QImage& image, bool finished)
+void ScreenCaptureWnd::deliverAndHide(const QImage& image, bool finished)
 {
     const QPointer<ScreenCaptureWnd> alive(this);
     emit captureFinished(image, finished);

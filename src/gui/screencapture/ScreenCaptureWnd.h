@@ -143,8 +143,8 @@ private:
     void initScribbleArea();
 
     bool markEnded();
-    void deliver(const QImage& image, bool finished);
-    void putCanvasAway();
+    void deliverAndHide(const QImage& image, bool finished);
+    void hideCanvas();
     void updateMagnifier(const QPoint& pos);
     int draggedSection() const;
     void updateMagnifierAtCursor();

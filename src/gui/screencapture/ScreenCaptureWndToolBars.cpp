@@ -48,7 +48,7 @@ constexpr int kMosaicExtraWidthPx = 15;
 // Intended: it exists beside the window, which does not use it.
 [[maybe_unused]] const ScreenCaptureToolColors s_penColors;
 
-QString icon(const QString& name)
+QString iconFile(const QString& name)
 {
     return QStringLiteral(":/scribble/%1.png").arg(name);
 }
@@ -59,8 +59,8 @@ QIcon paleWhileDisabled(const QString& name)
 {
     QStyleOption option;
     option.palette = QPalette(Qt::white);
-    QIcon result(icon(name));
-    result.addPixmap(qApp->style()->generatedIconPixmap(QIcon::Disabled, icon(name), &option),
+    QIcon result(iconFile(name));
+    result.addPixmap(qApp->style()->generatedIconPixmap(QIcon::Disabled, iconFile(name), &option),
                      QIcon::Disabled);
     return result;
 }
@@ -133,7 +133,7 @@ QWidget* createToolBar(QWidget* window, const QString& name, int marginPx)
 QPushButton* createCommandButton(QWidget* window, const QString& name, const QString& toolTip,
                                  const char* slot)
 {
-    auto* button = new QPushButton(QIcon(icon(name)), QString());
+    auto* button = new QPushButton(QIcon(iconFile(name)), QString());
     button->setToolTip(toolTip);
     button->setStyleSheet(style::kDarkToolTip);
     button->setAccessibleName(toolTip);
@@ -153,7 +153,7 @@ QPushButton* createToolButton(QWidget* window, const QString& name, const QStrin
 
 QPushButton* createDoneButton(QWidget* window)
 {
-    auto* button = new QPushButton(QIcon(icon("done")), ScreenCaptureWnd::tr("done"));
+    auto* button = new QPushButton(QIcon(iconFile("done")), ScreenCaptureWnd::tr("done"));
     button->setObjectName(QStringLiteral("doneButton"));
     button->setFixedSize(kDoneButtonSizePx);
     button->setStyleSheet(style::kDarkText);
@@ -166,7 +166,7 @@ QPushButton* createDoneButton(QWidget* window)
 QLabel* createFontSizeLabel(QWidget* bar)
 {
     auto* label = new QLabel(bar);
-    label->setPixmap(QPixmap(icon("text")));
+    label->setPixmap(QPixmap(iconFile("text")));
     label->setMargin(kFontSizeLabelMarginPx);
     return label;
 }
@@ -391,7 +391,7 @@ void ScreenCaptureWnd::initToolBars()
 QLabel* ScreenCaptureWnd::createSeparator()
 {
     auto* label = new QLabel;
-    label->setPixmap(QPixmap(icon("sep")));
+    label->setPixmap(QPixmap(iconFile("sep")));
     label->setFixedSize(kSeparatorSizePx);
     return label;
 }
