@@ -12,11 +12,10 @@ constexpr QRgb kOpaque = 0xff000000u;
 constexpr QRgb kColorMask = 0x00ffffffu;
 constexpr int kColors = 3;
 constexpr size_t kBytesPerPixel = 4;
-// So many bytes fit into a 16-bit sum.
+// A 16-bit sum holds so many bytes.
 constexpr int kMostRowsOf16BitSums = 257;
 
-// A sum for each byte of a row of pixels, over all rows of `rect`. Byte by byte, since compilers
-// turn such a loop into vector instructions.
+// Sums up the rows of `rect` byte by byte: compilers vectorize such a loop.
 template <typename Sum>
 std::vector<Sum> sumsOf(const QImage& image, const QRect& rect)
 {
@@ -34,7 +33,7 @@ double shareOfAPixel(int columns, int rows)
     return 1.0 / (double(columns) * rows);
 }
 
-// Half more than the sum, so that a whole average does not fall short by rounding.
+// Totals start at one half, so that rounding takes no whole average below itself.
 template <typename Sum>
 QRgb averageOf(const Sum* sums, int columns, double share)
 {
@@ -51,7 +50,7 @@ QRgb averageOf(const Sum* sums, int columns, double share)
     return average;
 }
 
-// One row of blocks at a time: averaged into its first row of pixels, which is then repeated.
+// Averages one row of blocks at a time into its first row of pixels, which is then repeated.
 template <typename Sum>
 void pixelate(QImage& dst, const QImage& src, int blockSize)
 {
@@ -107,7 +106,7 @@ void copyWhereWhite(QImage& dst, const QImage& src, const QImage& mask, const QR
 {
     if (!holdsQRgb(dst) || !holdsQRgb(src) || !holdsQRgb(mask))
         return;
-    // Edge by edge, since QRect would turn an inverted area round instead of leaving it empty.
+    // Clips edge by edge, because QRect::intersected() normalizes an inverted area.
     const QRect common = dst.rect() & src.rect() & mask.rect();
     const int left = std::max(area.left(), common.left());
     const int right = std::min(area.right(), common.right());

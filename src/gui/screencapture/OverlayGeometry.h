@@ -5,8 +5,8 @@
 #include <QRect>
 #include <QSize>
 
-/// Where things stand on the capture window: pure functions of rectangles and points, all in window
-/// coordinates (pixels).
+/// Geometry of the capture window: pure functions of rectangles and points in window coordinates
+/// (pixels).
 namespace overlay
 {
 
@@ -15,19 +15,19 @@ constexpr int kLoupeSidePx = 80;
 /// Side in pixels of the square of the desktop picture that the loupe shows.
 constexpr int kLoupeSourceSidePx = 16;
 
-/// The point that the loupe shows while `section` of `region` is dragged: `pos`, snapped to the
-/// dragged edge or corner, however far away the cursor is.
+/// Returns the point that the loupe shows while `section` of `region` is dragged: `pos`, snapped to
+/// the dragged edge or corner regardless of its distance.
 QPoint pointOfInterest(const QPoint& pos, int section, const QRect& region);
 
-/// The square of the desktop picture around `p` that the loupe shows.
+/// Returns the square of the desktop picture around `p` that the loupe shows.
 QRect loupeSource(const QPoint& p);
 
-/// The loupe's top-left corner: below and to the right of the cursor, flipped to the other side on
-/// each axis on which the window has no room.
+/// Returns the loupe's top-left corner: below and to the right of the cursor, flipped on each axis
+/// on which the window has no room.
 QPoint loupePos(const QPoint& cursor, const QSize& window);
 
-/// The main tool bar's top-left corner: under the region, right edges aligned, or above it where
-/// the window has no room for the bar, `extraHeight` and a gap.
+/// Returns the main tool bar's top-left corner: under the region, right edges aligned, or above it
+/// where the window has no room for the bar, `extraHeight` and a gap.
 QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, const QRect& window);
 
 } // namespace overlay

@@ -40,7 +40,7 @@ constexpr Handle kHandles[] = {
     {Qt::BottomEdge | Qt::RightEdge, Qt::SizeFDiagCursor},
 };
 
-// Which section takes the place of another one when the rectangle is flipped.
+// The section that takes the place of another when the rectangle is flipped.
 const ArrowMap s_horizontalArrowMap =
     ArrowMap() << ArrowMapValue(R::SECTION_LEFT, R::SECTION_RIGHT)
                << ArrowMapValue(R::SECTION_RIGHT, R::SECTION_LEFT)
@@ -68,7 +68,7 @@ const ArrowMap s_mirrorArrowMap = ArrowMap()
                                   << ArrowMapValue(R::SECTION_TOP_RIGHT, R::SECTION_BOTTOM_LEFT)
                                   << ArrowMapValue(R::SECTION_BOTTOM_LEFT, R::SECTION_TOP_RIGHT);
 
-// Null when nothing is flipped. Qt's widths: an edge one pixel past its opposite is width 0.
+// Returns nullptr if nothing is flipped. To QRect, an edge one pixel past its opposite is width 0.
 const ArrowMap* flipTable(const QRect& r)
 {
     const bool flippedX = r.width() < 0;
@@ -80,7 +80,7 @@ const ArrowMap* flipTable(const QRect& r)
     return flippedY ? &s_verticalArrowMap : nullptr;
 }
 
-// An arrow's ends are on corners; any other section stands for the top-left one.
+// An arrow's end is on a corner. Any other section has no edges here.
 Qt::Edges cornerEdges(int section)
 {
     const Qt::Edges edges = R::edgesOf(section);
@@ -104,8 +104,8 @@ QPen borderPen(const QColor& color, Qt::PenStyle style)
     return {QBrush(color, Qt::SolidPattern), kBorderWidthPx, style, Qt::RoundCap, Qt::RoundJoin};
 }
 
-// Condenses a text whose ink is wider than the area, so that no digit is lost. An application from
-// right to left would read the height first.
+// Condenses a text whose ink is wider than the area, so that no digit is lost. A right-to-left
+// layout would put the height first.
 void drawCondensed(QPainter& painter, const QRect& area, const QString& text)
 {
     constexpr int flags = Qt::AlignCenter | Qt::TextForceLeftToRight;
@@ -203,8 +203,8 @@ int ResizableRect::wherePoint(const QPoint& p) const
     return m_rect.adjusted(band, band, -band, -band).contains(p) ? SECTION_INSIDE : SECTION_BORDER;
 }
 
-// Here and in the two functions below the right and bottom edges may reach the widget's width and
-// height, one pixel beyond its last column and row. That is intended.
+// Intended, here and in the two functions below: the right and bottom edges may reach the widget's
+// width and height, one pixel beyond its last column and row.
 void ResizableRect::ensureMovingRectInWidget(QRect& r)
 {
     Q_ASSERT(m_widget != NULL);
@@ -345,7 +345,7 @@ void ResizableRect::setArrowHead(const QPoint& p)
     moveArrowEnd(ARROW_HEAD, p);
 }
 
-// Intended: only the corners are re-assigned; the moved copy is dropped.
+// Intended: only the corners are reassigned; the moved copy is dropped.
 void ResizableRect::moveArrowEnd(ARROW_END end, const QPoint& p)
 {
     QRect moved = m_rect;
@@ -440,7 +440,7 @@ void ResizableRect::render(QPainter& painter)
         renderSizeInfor(painter);
 }
 
-// The brush is the painter's own at this moment.
+// Fills with the brush that the painter has.
 void ResizableRect::renderBorder(QPainter& painter) const
 {
     painter.setPen(borderPen(m_color, m_borderSolidPaint ? Qt::SolidLine : Qt::DashLine));

@@ -52,7 +52,8 @@ class ResizableRect : public QObject
     Q_OBJECT
 
 public:
-    /// The places of the rectangle. 0 to 7 are the handles; the numbers are part of the interface.
+    /// The sections of the rectangle. 0 to 7 are the handles; the numbers are part of the
+    /// interface.
     enum SECTION {
         SECTION_INSIDE = -3,
         SECTION_OUTSIDE = -2,
@@ -70,49 +71,49 @@ public:
     /// The ends of an arrow whose frame this rectangle is; each sits on a corner section.
     enum ARROW_END { ARROW_TAIL = 1, ARROW_HEAD = 2 };
 
-    /// The edges that dragging `section` moves: one or two for a handle, otherwise none.
+    /// Returns the edges that dragging `section` moves: one or two for a handle, otherwise none.
     static Qt::Edges edgesOf(int section);
-    /// `p` with the coordinates of those edges of `r` that `edges` names.
+    /// Returns `p` moved onto the given `edges` of `r`; an axis without an edge stays as it is.
     static QPoint snapped(const QPoint& p, Qt::Edges edges, const QRect& r);
 
-    /// Takes `rect` as given, neither clamped nor normalized; hidden and enabled at first.
+    /// Constructs a hidden, enabled rectangle from `rect`, which is neither clamped nor normalized.
     ResizableRect(QWidget* widget, const QRect& rect);
 
-    /// Clamps each edge to the widget by itself, emits rectChanged() and repaints the old and the
-    /// new area. Needs a host widget.
+    /// Clamps each edge to the widget independently, emits rectChanged() and repaints the old and
+    /// the new area. Requires a host widget.
     void setRect(const QRect& rect);
-    /// The normalized rectangle, also in the middle of a drag.
+    /// Returns the normalized rectangle, even in the middle of a drag.
     QRect rect() const;
     QPoint pos() const;
-    /// The area that painting the rectangle, its label and the shape drawn in it can touch.
+    /// Returns the area that painting the rectangle, its label and the shape inside can touch.
     QRect occupiedRect() const;
 
-    /// True up to 4 pixels outside every edge.
+    /// Returns true up to 4 pixels outside every edge.
     bool contains(const QPoint& p) const;
-    /// The section under `p`; on small rectangles the handle with the lower id wins.
+    /// Returns the section under `p`. Where handles overlap, the one with the lower id wins.
     int wherePoint(const QPoint& p) const;
 
-    /// Shifts `r` back inside the widget and keeps its size.
+    /// Moves `r` back inside the widget without resizing it.
     void ensureMovingRectInWidget(QRect& r);
-    /// Clamps each edge of `r` to the widget by itself; an inverted rectangle stays inverted.
+    /// Clamps each edge of `r` to the widget independently; an inverted rectangle stays inverted.
     void ensureSizingRectInWidget(QRect& r);
     bool isRectInWidget(const QRect& r);
     void updateSectionRects();
 
     void setVisible(bool visible);
     bool isVisible() const { return m_visible; }
-    /// Disabling gives the host widget back the cursor that it had at construction.
+    /// Disabling restores the cursor that the host widget had at construction.
     void setEnabled(bool enabled);
-    /// Solid border and filled handles instead of a dashed border and white handles.
+    /// Paints a solid border and filled handles instead of a dashed border and white handles.
     void setBorderSolidPaint(bool solid);
     void setColor(const QColor& color);
     QColor getColor();
     /// Shows the "width x height" label above the rectangle.
     void setSizeInforVisible(bool visible);
     bool isSizeInforVisible() const { return m_sizeInforVisible; }
-    /// Pen width in pixels of the shape drawn inside; never below 8, so that handles are covered.
+    /// Sets the pen width, in pixels, of the shape inside. At least 8, which covers the handles.
     void setGraphPenWidth(int w);
-    /// The section that the last left press hit; kept until the next press.
+    /// Returns the section of the last left press, until the next one.
     int mousePressSection() const { return m_pressSection; }
 
     /// Puts the arrow's head on the top-right and its tail on the bottom-left corner.
@@ -121,23 +122,23 @@ public:
     void updateArrowRect(const QRect& r);
     QPoint getArrowRectPoint(int corner, const QRect& r);
     void setArrowRectPoint(int corner, const QPoint& p, QRect& r);
-    /// The arrow's ends on the raw rectangle; the top-left corner when there is no arrow.
+    /// Return the arrow's ends on the raw rectangle, or its top-left corner if there is no arrow.
     QPoint arrowTail();
     QPoint arrowHead();
-    /// Re-assigns the corners so that the end lies on the side of `p`. The rectangle itself stays
-    /// as it is: the caller sets it afterwards.
+    /// Reassign the corners so that the end is on the side of `p`. The rectangle does not change:
+    /// the caller sets it afterwards.
     void setArrowTail(const QPoint& p);
     void setArrowHead(const QPoint& p);
 
     /// Paints border, handles and label. Changes the painter's state and does not restore it.
     void render(QPainter& painter);
-    /// Where the size label goes, in the host widget's coordinates.
+    /// Returns the size label's rectangle in the host widget's coordinates.
     QRect sizeInforPaintRect() const;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
-    /// `rect` is normalized; emitted on every setRect(), so on each step of a drag.
+    /// Emitted by every setRect(), and so by each step of a drag. `rect` is normalized.
     void rectChanged(const QRect& rect, bool sizeChanged = true);
 
 private:

@@ -38,14 +38,14 @@ QRect strokeArea(const QPoint& from, const QPoint& to, int width)
     return QRect(from, to).normalized().adjusted(-margin, -margin, margin, margin);
 }
 
-// Intended: to the right and down 3 pixels are enough, to the left and up it takes 5, because a
-// rectangle's width is its right edge minus its left edge plus one.
+// Intended: a drag counts from 3 pixels to the right or down, but from 5 to the left or up, because
+// QRect's width is its right edge minus its left edge plus one.
 bool isDrag(const QRect& r)
 {
     return qAbs(r.width()) >= kMinDragPx || qAbs(r.height()) >= kMinDragPx;
 }
 
-// A canvas without a picture, as over a region that a mere click made, has nothing to draw on.
+// Does nothing without a picture: a canvas over the empty region of a mere click has none.
 template <typename Draw>
 void drawOn(QImage& picture, Draw draw)
 {
@@ -103,7 +103,7 @@ void ScribbleArea::setImage(const QImage& image)
 void ScribbleArea::reset()
 {
     setPaintTypeToScribble();
-    // A shape in the middle of its drag goes with its picture.
+    // Discards a shape whose drag has not ended.
     if (m_creatingGraph)
         m_resizableRect->setRect(QRect());
     m_creatingGraph = false;
@@ -131,7 +131,7 @@ bool ScribbleArea::saveImage(const QString& fileName, const char* fileFormat)
     return true;
 }
 
-// Intended: no history entry.
+// Intended: adds no history entry.
 void ScribbleArea::clearImage()
 {
     m_image.fill(qRgb(255, 255, 255));
@@ -285,8 +285,8 @@ void ScribbleArea::mouseMoveEvent(QMouseEvent* event)
     m_moved = true;
 }
 
-// The parent paints the picture: what changed at each move, and all of it at the first move and at
-// the release.
+// The parent paints the picture: all of it at the first move and at the release, and what changed
+// at the other moves.
 void ScribbleArea::updateParent()
 {
     if (parentWidget())
@@ -322,7 +322,7 @@ void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
     updateParent();
 }
 
-// A stroke of one point is a dot, which Qt draws as a point but not as a round line without length.
+// A stroke of one point leaves a dot. Qt draws none for a round-capped line without length.
 void ScribbleArea::drawLineTo(const QPoint& endPoint)
 {
     const bool isDot =
@@ -380,7 +380,7 @@ void ScribbleArea::drawGraph()
 {
     drawOn(m_image, [this](QPainter& painter) { renderGraph(painter); });
     m_modified = true;
-    // Intended: the frame grown by half the pen, whatever the shape reaches.
+    // Intended: the frame grown by half the pen, even where the shape reaches beyond it.
     const int half = currentGraphPen().width() / 2;
     m_diffRect = m_resizableRect->rect().adjusted(-half, -half, half + 1, half + 1);
 }
@@ -420,15 +420,15 @@ void ScribbleArea::drawArrow(QPainter& painter, const QRect& rect, const ArrowAt
     painter.restore();
 }
 
-// The old place has to be cleared and the new one painted.
+// Repaints the old place, to clear it, and the new one.
 void ScribbleArea::updateFrame()
 {
     updateChanged(m_paintedFrame);
     updateChanged(frameArea());
 }
 
-// What the frame and the shape in it touch. An arrow's head reaches beyond its frame, and so do the
-// spikes into which Qt joins the corners of a rectangle without width or height.
+// Returns the area that the frame and its shape touch. An arrow's head reaches beyond its frame,
+// and so do the miter joins of a rectangle without width or height.
 QRect ScribbleArea::frameArea() const
 {
     const QRect frame = m_resizableRect->occupiedRect();
@@ -463,7 +463,7 @@ void ScribbleArea::initTextEdit()
     m_textEdit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_textEdit->setLineWrapMode(QTextEdit::NoWrap);
     m_textEdit->setUndoRedoEnabled(false);
-    // The menu would take the transparent style sheet and be unreadable.
+    // The context menu would inherit the transparent style sheet and be unreadable.
     m_textEdit->setContextMenuPolicy(Qt::NoContextMenu);
     m_textEdit->setStyleSheet(style::kTransparent);
     placeTextEdit();
@@ -498,7 +498,7 @@ void ScribbleArea::setTextColor(const QColor& color)
 {
     ensureTextEdit();
     m_textEdit->setTextColor(color);
-    // A box whose text was erased takes the palette's.
+    // An emptied text box takes its colour from the palette.
     QPalette palette = m_textEdit->palette();
     palette.setColor(QPalette::Text, color);
     m_textEdit->setPalette(palette);
@@ -511,7 +511,7 @@ bool ScribbleArea::drawText()
     if (m_textEdit->toPlainText().trimmed().isEmpty())
         return false;
     const QPoint pos = m_textEdit->mapToParent(QPoint(0, 0));
-    // Without focus no text cursor is drawn.
+    // QTextEdit draws no text cursor without focus.
     m_textEdit->clearFocus();
     drawOn(m_image, [&](QPainter& painter) {
         m_textEdit->render(&painter, pos, QRegion(),
@@ -581,7 +581,7 @@ void ScribbleArea::setMosaicBlur(int blur)
 void ScribbleArea::setMosaicCursorRadius(int diameter)
 {
     QImage circle(diameter, diameter, QImage::Format_ARGB32);
-    // A brush without size keeps the cursor there was.
+    // A brush without width keeps the previous cursor.
     if (circle.isNull())
         return;
     circle.fill(QColor(0, 0, 0, 0));

@@ -24,8 +24,8 @@ class QTextEdit;
 /// stay editable in their frame until they are committed: by a press outside the frame, a change of
 /// tool, undo(), saveImage() or completeScribble(). Every committed edit can be undone.
 ///
-/// Pictures are opaque and of QRgb pixels: undo restores these exactly, and the mosaic leaves
-/// others as they are. GUI thread only.
+/// Pictures are opaque and hold QRgb pixels. Undo restores these exactly; the mosaic does not
+/// change pictures of other formats. GUI thread only.
 class ScribbleArea : public QWidget
 {
     Q_OBJECT
@@ -34,8 +34,8 @@ public:
     enum PAINT_TYPE : int { PAINT_SCRIBBLE = 0, PAINT_TEXT = 1, PAINT_GRAPH = 2, PAINT_MOSAIC = 3 };
     enum GRAPH_STATE : int { GRAPH_RECT = 0, GRAPH_ELLIPSE = 1, GRAPH_ARROW = 2 };
 
-    /// One entry of the history: the changed rectangle's corner, and its pixels before the edit
-    /// XOR those after it.
+    /// An entry of the history: the changed rectangle's top-left corner, and its pixels before the
+    /// edit XOR those after it.
     struct DiffRect {
         QPoint position;
         QImage image;
@@ -46,21 +46,22 @@ public:
     /// Starts over with `image`: pen tool, not modified, no history.
     void setImage(const QImage& image);
     void reset();
-    /// False, and nothing changed, when the file holds no picture that can be read.
+    /// Loads a picture. Returns false and changes nothing if the file holds no readable picture.
     bool openImage(const QString& fileName);
-    /// Commits what is being edited, then writes; false when that failed.
+    /// Commits the shape or text being edited and writes the picture. Returns false if writing
+    /// fails.
     bool saveImage(const QString& fileName, const char* fileFormat);
-    /// Fills the picture white. Makes no history entry: it cannot be undone.
+    /// Fills the picture with white. Adds no history entry, so it cannot be undone.
     void clearImage();
     QImage image() const { return m_image; }
-    /// Commits what is being edited.
+    /// Commits the shape or text being edited.
     void completeScribble();
 
     void setPaintType(PAINT_TYPE type);
     void setPaintTypeToScribble();
     void setPaintTypeToText();
     void setPaintTypeToGraph();
-    /// Also pixelates the picture as it is now and forgets where the brush has been.
+    /// Also pixelates the current picture and clears the brush's track.
     void setPaintTypeToMosaic();
     void setGraphState(int state);
     /// Puts the frame into its initial arrow layout, bottom-left to top-right.
@@ -70,21 +71,22 @@ public:
     void setRectPen(const QPen& pen);
     void setEllipsePen(const QPen& pen);
     void setArrowPen(const QPen& pen);
-    /// Only the width is kept, which is the brush's diameter in pixels.
+    /// Keeps only the width, the brush's diameter in pixels.
     void setMosaicPen(const QPen& pen);
     QPen scribblePen() const { return m_scribblePen; }
     QPen rectPen() const { return m_graphPens.value(GRAPH_RECT); }
     QPen ellipsePen() const { return m_graphPens.value(GRAPH_ELLIPSE); }
     QPen arrowPen() const { return m_graphPens.value(GRAPH_ARROW); }
     QPen mosaicPen() const;
-    /// Edge of a mosaic block in pixels, positive; takes effect 300 ms after the last call.
+    /// Sets the edge of a mosaic block in pixels, which must be positive. Takes effect 300 ms after
+    /// the last call.
     void setMosaicBlur(int blur);
-    /// Point size of the whole text box.
+    /// Sets the point size of the whole text box.
     void setTextFontSize(int size);
-    /// Colour of what is typed next.
+    /// Sets the colour of what is typed next.
     void setTextColor(const QColor& color);
 
-    /// Commits what is being edited, and so takes back that very edit.
+    /// Takes back the last edit. A shape or text being edited is committed first and is that edit.
     void undo();
     void redo();
     bool canUndo() const { return m_currentDiffIndex >= 1; }
@@ -105,7 +107,7 @@ private slots:
     void onupdateMosaicImage();
 
 private:
-    /// Tests look at the history through this.
+    /// Gives tests access to the history.
     friend struct ScribbleAreaAccess;
 
     void drawLineTo(const QPoint& endPoint);
@@ -146,16 +148,16 @@ private:
     int m_mosaicPenWidth = 16;
     QImage m_mosaicImage;
     QImage m_mosaicTrack;
-    /// Where the track may hold something.
+    /// Bounds of what was drawn into the track.
     QRect m_mosaicTracked;
     QTimer m_mosaicTimer;
     QPoint m_lastPoint;
-    /// A move came since the left press.
+    /// The mouse has moved since the left press.
     bool m_moved = false;
     bool m_creatingGraph = false;
     bool m_pressOutsideRect = false;
     ResizableRect* m_resizableRect = nullptr;
-    /// frameArea() when it was last painted.
+    /// frameArea() at the last paint event.
     QRect m_paintedFrame;
     QTextEdit* m_textEdit = nullptr;
     int m_graphState = GRAPH_ELLIPSE;
