@@ -6,74 +6,104 @@
 #include <QRect>
 #include <Qt>
 
-/// The rectangle's rules once more, in plain edges, for comparison with random input.
+/// The rectangle's rules once more, in numbers, for comparison with any input.
 struct ReferenceRect {
-    int width;
-    int height;
-    int left = 0, top = 0, right = -1, bottom = -1;
+    QSize widget;
+    Qt::CursorShape ownCursor;
+    Qt::CursorShape cursor = ownCursor;
+    QRect raw = {};
     bool visible = false;
     bool enabled = true;
     int press = -2;
-    int offsetX = 0, offsetY = 0;
+    QPoint offset = {};
     int head = 0, tail = 0;
-    int changes = 0;
-    Qt::CursorShape cursor;
-    Qt::CursorShape ownCursor;
+    int penWidth = 8;
+    bool labelled = false;
 
-    ReferenceRect(int w, int h, Qt::CursorShape shape)
-        : width(w)
-        , height(h)
-        , cursor(shape)
-        , ownCursor(shape)
+    static bool isLeft(int id) { return id == 0 || id == 4 || id == 6; }
+    static bool isRight(int id) { return id == 1 || id == 5 || id == 7; }
+    static bool isTop(int id) { return id == 2 || id == 4 || id == 5; }
+    static bool isBottom(int id) { return id == 3 || id == 6 || id == 7; }
+    static bool isCorner(int id) { return id >= 4 && id <= 7; }
+
+    static QRect dragged(int id, const QPoint& p, const QRect& r)
     {
+        return {QPoint(isLeft(id) ? p.x() : r.left(), isTop(id) ? p.y() : r.top()),
+                QPoint(isRight(id) ? p.x() : r.right(), isBottom(id) ? p.y() : r.bottom())};
+    }
+    static QPoint corner(int id, const QRect& r)
+    {
+        const bool right = isCorner(id) && isRight(id);
+        const bool bottom = isCorner(id) && isBottom(id);
+        return {right ? r.right() : r.left(), bottom ? r.bottom() : r.top()};
+    }
+    static QRect cornerMoved(int id, const QPoint& p, const QRect& r)
+    {
+        return isCorner(id) ? dragged(id, p, r) : r;
     }
 
-    QRect normalized() const
+    static int clamped(int v, int most) { return v < 0 ? 0 : v > most ? most : v; }
+    QRect sized(const QRect& r) const
     {
-        return QRect(QPoint(left, top), QPoint(right, bottom)).normalized();
+        const int w = widget.width();
+        const int h = widget.height();
+        return {QPoint(clamped(r.left(), w), clamped(r.top(), h)),
+                QPoint(clamped(r.right(), w), clamped(r.bottom(), h))};
+    }
+    /// How far an extent has to be shifted; the far edge wins.
+    static int back(int first, int last, int most)
+    {
+        return last > most ? most - last : first < 0 ? -first : 0;
+    }
+    QRect moved(const QRect& r) const
+    {
+        return r.translated(back(r.left(), r.right(), widget.width()),
+                            back(r.top(), r.bottom(), widget.height()));
     }
 
-    static int clamp(int v, int most) { return v < 0 ? 0 : v > most ? most : v; }
-
-    void set(int l, int t, int r, int b)
+    bool isInside(const QRect& r) const
     {
-        left = clamp(l, width);
-        top = clamp(t, height);
-        right = clamp(r, width);
-        bottom = clamp(b, height);
-        ++changes;
+        return r.left() >= 0 && r.top() >= 0 && r.right() <= widget.width() &&
+               r.bottom() <= widget.height();
+    }
+
+    QRect rect() const { return raw.normalized(); }
+    QRect label() const
+    {
+        const QPoint at = rect().topLeft();
+        return {at.x(), at.y() < 28 ? at.y() : at.y() - 28, 100, 28};
+    }
+    QRect occupied() const
+    {
+        const int half = (penWidth < 8 ? 8 : penWidth) / 2;
+        const QRect area = rect().adjusted(-half, -half, half + 1, half + 1);
+        return labelled ? area.united(label()) : area;
     }
 
     static bool between(int v, int first, int last) { return first <= v && v <= last; }
-
     int where(const QPoint& p) const
     {
-        const int w = right - left + 1;
-        const int h = bottom - top + 1;
-        const int xs[] = {left - 1, left - 1 + w / 2, left - 1 + w};
-        const int ys[] = {top - 1, top - 1 + h / 2, top - 1 + h};
-        const int column[] = {0, 2, 1, 1, 0, 2, 0, 2};
-        const int row[] = {1, 1, 0, 2, 0, 0, 2, 2};
+        const int w = raw.right() - raw.left() + 1;
+        const int h = raw.bottom() - raw.top() + 1;
         for (int id = 0; id < 8; ++id) {
-            const int ax = xs[column[id]];
-            const int ay = ys[row[id]];
-            if (between(p.x(), ax - 3, ax + 4) && between(p.y(), ay - 3, ay + 4))
+            const int x = raw.left() - 1 + (isLeft(id) ? 0 : isRight(id) ? w : w / 2);
+            const int y = raw.top() - 1 + (isTop(id) ? 0 : isBottom(id) ? h : h / 2);
+            if (between(p.x(), x - 3, x + 4) && between(p.y(), y - 3, y + 4))
                 return id;
         }
-        if (!QRect(QPoint(left - 4, top - 4), QPoint(right + 4, bottom + 4)).contains(p))
+        if (!raw.adjusted(-4, -4, 4, 4).contains(p))
             return -2;
-        return QRect(QPoint(left + 4, top + 4), QPoint(right - 4, bottom - 4)).contains(p) ? -3
-                                                                                           : -1;
+        return raw.adjusted(4, 4, -4, -4).contains(p) ? -3 : -1;
     }
 
-    void flipArrow(int l, int t, int r, int b)
+    void flipArrow(const QRect& r)
     {
-        const bool x = r - l + 1 < 0;
-        const bool y = b - t + 1 < 0;
         static const QMap<int, int> horizontal{{0, 1}, {1, 0}, {4, 5}, {5, 4}, {6, 7}, {7, 6}};
         static const QMap<int, int> vertical{{2, 3}, {3, 2}, {4, 6}, {6, 4}, {5, 7}, {7, 5}};
         static const QMap<int, int> both{{0, 2}, {2, 0}, {1, 3}, {3, 1},
                                          {4, 7}, {7, 4}, {5, 6}, {6, 5}};
+        const bool x = r.right() - r.left() + 1 < 0;
+        const bool y = r.bottom() - r.top() + 1 < 0;
         if (!x && !y)
             return;
         const QMap<int, int>& table = x && y ? both : x ? horizontal : vertical;
@@ -81,44 +111,27 @@ struct ReferenceRect {
         tail = table.value(tail);
     }
 
-    QPoint corner(int id) const
+    void setEnabled(bool on)
     {
-        return {id == 5 || id == 7 ? right : left, id == 6 || id == 7 ? bottom : top};
+        enabled = on;
+        if (!on)
+            cursor = ownCursor;
     }
-
-    void moveEnd(int id, const QPoint& p)
-    {
-        int l = left, t = top, r = right, b = bottom;
-        if (id >= 4 && id <= 7) {
-            (id == 5 || id == 7 ? r : l) = p.x();
-            (id == 6 || id == 7 ? b : t) = p.y();
-        }
-        flipArrow(l, t, r, b);
-    }
-
     void mousePress(const QPoint& p)
     {
         if (!visible || !enabled)
             return;
         press = where(p);
-        offsetX = p.x() - normalized().left();
-        offsetY = p.y() - normalized().top();
+        offset = p - rect().topLeft();
     }
-
     void mouseRelease()
     {
         if (!visible || !enabled)
             return;
-        flipArrow(left, top, right, bottom);
-        if (press == -2)
-            return;
-        const QRect n = normalized();
-        left = n.left();
-        top = n.top();
-        right = n.right();
-        bottom = n.bottom();
+        flipArrow(raw);
+        if (press != -2)
+            raw = rect();
     }
-
     void hover(const QPoint& p)
     {
         if (!visible || !enabled)
@@ -129,28 +142,13 @@ struct ReferenceRect {
         const int s = where(p);
         cursor = s == -2 ? ownCursor : s < 0 ? Qt::SizeAllCursor : handles[s];
     }
-
-    void drag(const QPoint& p)
+    /// Whether that changes the rectangle.
+    bool drag(const QPoint& p)
     {
         if (!visible || !enabled || press == -2)
-            return;
-        int l = left, t = top, r = right, b = bottom;
-        if (press < 0) {
-            const int dx = p.x() - offsetX - l;
-            const int dy = p.y() - offsetY - t;
-            l += dx, r += dx, t += dy, b += dy;
-            const int backX = r > width ? width - r : l < 0 ? -l : 0;
-            const int backY = b > height ? height - b : t < 0 ? -t : 0;
-            l += backX, r += backX, t += backY, b += backY;
-        }
-        if (press == 0 || press == 4 || press == 6)
-            l = p.x();
-        if (press == 1 || press == 5 || press == 7)
-            r = p.x();
-        if (press == 2 || press == 4 || press == 5)
-            t = p.y();
-        if (press == 3 || press == 6 || press == 7)
-            b = p.y();
-        set(l, t, r, b);
+            return false;
+        raw = sized(press < 0 ? moved(raw.translated(p - offset - raw.topLeft()))
+                              : dragged(press, p, raw));
+        return true;
     }
 };
