@@ -6,50 +6,55 @@ namespace
 {
 
 /// A brush that goes over a picture as the canvas' brush is to.
-struct Brush {
-    Brush(const QImage& image, int blockSide, int penWidth)
-        : picture(image)
-        , blocks(inBlocks(image, blockSide))
-        , track(image.size(), QImage::Format_RGB32)
-        , width(penWidth)
-        , widget(image.size())
+class Brush
+{
+public:
+    Brush(const QImage& image, int blockSide, int width)
+        : m_picture(image)
     {
-        track.fill(Qt::black);
+        choose(blockSide, width);
     }
+    QImage picture() const { return m_picture; }
+    QImage blocks() const { return m_blocks; }
 
-    void segment(const QPoint& from, const QPoint& to)
+    /// Takes the tool, or takes it again.
+    void choose(int blockSide, int width)
     {
-        QPainter painter(&track);
-        painter.setPen(QPen(QBrush(Qt::white), width, Qt::SolidLine, Qt::RoundCap));
-        if (from == to)
-            painter.drawPoint(from);
-        else
-            painter.drawLine(from, to);
-        painter.end();
+        m_width = width;
+        m_track = QImage(m_picture.size(), QImage::Format_RGB32);
+        m_track.fill(Qt::black);
+        rebuild(blockSide);
+    }
+    void rebuild(int blockSide) { m_blocks = inBlocks(m_picture, blockSide); }
+    void setPicture(const QImage& image) { m_picture = image; }
 
-        const int margin = width / 2 + 2;
-        const int left = qMin(from.x(), to.x()) - margin;
-        const int top = qMin(from.y(), to.y()) - margin;
-        const int right = qMax(from.x(), to.x()) + margin;
-        const int bottom = qMax(from.y(), to.y()) + margin;
+    /// On a widget of that size, from a point to another.
+    void stroke(const QSize& widget, const QPoint& from, const QPoint& to)
+    {
+        m_track = drawnOn(m_track, [&](QPainter& painter) {
+            painter.setPen(QPen(QBrush(Qt::white), m_width, Qt::SolidLine, Qt::RoundCap));
+            if (from == to)
+                painter.drawPoint(from);
+            else
+                painter.drawLine(from, to);
+        });
+        const int margin = m_width / 2 + 2;
+        const int right = qMin(qMax(from.x(), to.x()) + margin, widget.width());
+        const int bottom = qMin(qMax(from.y(), to.y()) + margin, widget.height());
         // Without the last column and row.
-        const QRect scanned(
-            QPoint(qMax(left, 0), qMax(top, 0)),
-            QPoint(qMin(right, widget.width()) - 1, qMin(bottom, widget.height()) - 1));
-        const QRect inside = scanned & picture.rect();
-        for (int y = inside.top(); y <= inside.bottom(); ++y) {
-            for (int x = inside.left(); x <= inside.right(); ++x) {
-                if (track.pixel(x, y) == qRgb(255, 255, 255))
-                    picture.setPixel(x, y, blocks.pixel(x, y));
+        for (int y = qMax(qMin(from.y(), to.y()) - margin, 0); y < bottom; ++y) {
+            for (int x = qMax(qMin(from.x(), to.x()) - margin, 0); x < right; ++x) {
+                if (m_picture.valid(x, y) && m_track.pixel(x, y) == qRgb(255, 255, 255))
+                    m_picture.setPixel(x, y, m_blocks.pixel(x, y));
             }
         }
     }
 
-    QImage picture;
-    QImage blocks;
-    QImage track;
-    int width;
-    QSize widget;
+private:
+    QImage m_picture;
+    QImage m_blocks;
+    QImage m_track;
+    int m_width = 0;
 };
 
 } // namespace
@@ -60,83 +65,83 @@ class tst_ScribbleArea_mosaic : public BehaviourTest
     Q_OBJECT
 
 private slots:
-    void mosaicPixelatesARoundSpot();
-    void mosaicStrokeLeavesModifiedAlone();
-    void mosaicLeavesOutTheLastColumnAndRow();
-    void mosaicMaskSurvivesUndo();
-    void mosaicRebuildsOnceAfterTheLastChange();
-    void mosaicWiderThanTheCanvas();
-    void mosaicCursorIsTheBrush();
-    void brushWithoutWidthKeepsTheCursor();
-    void mosaicFollowsTheMouseUntilTheRelease();
-    void everyChangeStartsTheWaitAgain();
+    void strokesMatchTheReference_data();
+    void strokesMatchTheReference();
+    void strokeFollowsTheMouseUntilTheRelease();
+    void trackSurvivesUndo();
+    void blocksAreRebuiltOnceAfterTheLastChange();
     void newBlocksGoOnlyWhereTheNextStrokeIs();
-    void mosaicIsClampedToTheCanvas_data();
-    void mosaicIsClampedToTheCanvas();
+    void cursorIsTheBrush();
 };
 
-void tst_ScribbleArea_mosaic::mosaicPixelatesARoundSpot()
+void tst_ScribbleArea_mosaic::strokesMatchTheReference_data()
 {
+    QTest::addColumn<QSize>("widget");
+    QTest::newRow("smaller than the picture") << QSize(120, 90);
+    QTest::newRow("as large as the picture") << kSize;
+    QTest::newRow("larger than the picture") << QSize(500, 400);
+}
+
+void tst_ScribbleArea_mosaic::strokesMatchTheReference()
+{
+    QFETCH(QSize, widget);
+    constexpr int kBlocks = 6;
+    QRandomGenerator random(1);
     Canvas canvas;
-    canvas.setMosaicBlur(6);
-    canvas.setPaintTypeToMosaic();
-    const QImage pixelated = ScribbleAreaAccess::pixelated(canvas);
-    QCOMPARE(pixelated.size(), kSize);
-    canvas.press(QPoint(80, 70));
-    canvas.release(QPoint(80, 70));
-    QImage spot(kSize, QImage::Format_ARGB32);
-    spot.fill(Qt::black);
-    spot = drawnOn(spot, [](QPainter& painter) {
-        painter.setPen(QPen(QBrush(Qt::white), 16, Qt::SolidLine, Qt::RoundCap));
-        painter.drawPoint(80, 70);
-    });
-    const QImage original = picture();
-    const QImage actual = canvas.image();
-    for (int y = 0; y < kSize.height(); ++y) {
-        for (int x = 0; x < kSize.width(); ++x) {
-            const bool covered = spot.pixelColor(x, y) == QColor(Qt::white);
-            QCOMPARE(actual.pixel(x, y), (covered ? pixelated : original).pixel(x, y));
+    canvas.resize(widget);
+    canvas.setMosaicBlur(kBlocks);
+    for (int width : {1, 2, 16, 25, 60, 500}) {
+        canvas.setMosaicPen(roundPen(Qt::red, width));
+        canvas.setPaintTypeToMosaic();
+        Brush brush(canvas.image(), kBlocks, width);
+        QCOMPARE(ScribbleAreaAccess::pixelated(canvas), brush.blocks());
+        for (int i = 0; i < 12; ++i) {
+            const QPoint from(random.bounded(-60, 260), random.bounded(-60, 210));
+            const bool isClick = i % 4 == 0;
+            const QPoint to = isClick ? from : from + QPoint(random.bounded(90), -60);
+            const QImage before = canvas.image();
+            canvas.press(from);
+            QCOMPARE(canvas.image(), before);
+            canvas.release(to);
+            brush.stroke(widget, from, to);
+            QCOMPARE(canvas.image(), brush.picture());
+            if (i % 3 == 0) {
+                canvas.undo();
+                QCOMPARE(canvas.image(), before);
+                // The track keeps what is undone.
+                brush.setPicture(before);
+            }
         }
     }
-}
-
-void tst_ScribbleArea_mosaic::mosaicStrokeLeavesModifiedAlone()
-{
-    Canvas canvas;
-    canvas.setPaintTypeToMosaic();
-    canvas.drag(QPoint(40, 40), QPoint(120, 90));
     QVERIFY(!canvas.modified());
-    QCOMPARE(canvas.history().size(), 1);
-    QVERIFY(canvas.image() != picture());
-    canvas.undo();
-    QCOMPARE(canvas.image(), picture());
 }
 
-void tst_ScribbleArea_mosaic::mosaicLeavesOutTheLastColumnAndRow()
+void tst_ScribbleArea_mosaic::strokeFollowsTheMouseUntilTheRelease()
 {
-    // A black column far away from the brush would never be scanned, so the stroke goes to the
-    // edge.
+    const QVector<QPoint> path{{30, 30}, {100, 40}, {60, 120}, {150, 100}};
     Canvas canvas;
     canvas.setMosaicBlur(6);
     canvas.setPaintTypeToMosaic();
-    canvas.drag(QPoint(20, 149), QPoint(199, 149));
-    for (int x = 30; x < 190; ++x)
-        QCOMPARE(canvas.image().pixel(x, 149), ScribbleAreaAccess::pixelated(canvas).pixel(x, 149));
-    // Inside the widget, earlier-brushed pixels in the area's last column and row are not scanned.
-    Canvas inner;
-    inner.setMosaicBlur(6);
-    inner.setPaintTypeToMosaic();
-    inner.drag(QPoint(20, 60), QPoint(180, 60));
-    inner.undo();
-    inner.press(QPoint(100, 60));
-    inner.release(QPoint(100, 60));
-    QCOMPARE(inner.image().pixel(110, 60), picture().pixel(110, 60));
-    QCOMPARE(inner.image().pixel(109, 60), ScribbleAreaAccess::pixelated(inner).pixel(109, 60));
-    QCOMPARE(inner.image().pixel(90, 60), ScribbleAreaAccess::pixelated(inner).pixel(90, 60));
-    QCOMPARE(inner.image().pixel(89, 60), picture().pixel(89, 60));
+    Brush brush(picture(), 6, 16);
+    canvas.press(path[0]);
+    for (int i = 1; i < path.size(); ++i) {
+        if (i + 1 < path.size())
+            canvas.move(path[i]);
+        else
+            canvas.release(path[i]);
+        brush.stroke(kSize, path[i - 1], path[i]);
+        QCOMPARE(canvas.image(), brush.picture());
+    }
+    // The stroke has ended.
+    canvas.move(QPoint(180, 30));
+    canvas.release(QPoint(180, 30));
+    QCOMPARE(canvas.image(), brush.picture());
+    QCOMPARE(canvas.entries(), 1);
+    QCOMPARE(canvas.areaOf(0), edges(20, 20, 160, 130));
 }
 
-void tst_ScribbleArea_mosaic::mosaicMaskSurvivesUndo()
+// Intended.
+void tst_ScribbleArea_mosaic::trackSurvivesUndo()
 {
     Canvas canvas;
     canvas.setMosaicBlur(6);
@@ -153,91 +158,19 @@ void tst_ScribbleArea_mosaic::mosaicMaskSurvivesUndo()
     QCOMPARE(canvas.image().pixel(80, 48), picture().pixel(80, 48));
 }
 
-void tst_ScribbleArea_mosaic::mosaicRebuildsOnceAfterTheLastChange()
+void tst_ScribbleArea_mosaic::blocksAreRebuiltOnceAfterTheLastChange()
 {
+    constexpr int kHalfWayMs = 150;
     Canvas canvas;
     canvas.setPaintTypeToMosaic();
-    const QImage before = ScribbleAreaAccess::pixelated(canvas);
-    for (int blur = 4; blur <= 12; ++blur)
-        canvas.setMosaicBlur(blur);
-    QVERIFY(ScribbleAreaAccess::rebuildPending(canvas));
-    QCOMPARE(ScribbleAreaAccess::pixelated(canvas), before);
-    QTRY_VERIFY(!ScribbleAreaAccess::rebuildPending(canvas));
-    const QImage after = ScribbleAreaAccess::pixelated(canvas);
-    QVERIFY(after != before);
-    QCOMPARE(after.pixel(11, 11), after.pixel(0, 0));
-    QVERIFY(after.pixel(12, 12) != after.pixel(0, 0));
-}
-
-void tst_ScribbleArea_mosaic::mosaicWiderThanTheCanvas()
-{
-    Canvas canvas;
-    canvas.setMosaicPen(scribblePen(Qt::red, 1000));
-    canvas.setPaintTypeToMosaic();
-    canvas.drag(QPoint(-300, -300), QPoint(500, 500));
-    canvas.drag(QPoint(-3000, -3000), QPoint(-2500, -2900));
-    QCOMPARE(canvas.image().convertToFormat(QImage::Format_ARGB32),
-             ScribbleAreaAccess::pixelated(canvas));
-}
-
-void tst_ScribbleArea_mosaic::mosaicCursorIsTheBrush()
-{
-    Canvas canvas;
-    canvas.setMosaicPen(scribblePen(Qt::red, 24));
-    QCOMPARE(canvas.mosaicPen().width(), 24);
-    const QCursor cursor = canvas.cursor();
-    QCOMPARE(cursor.shape(), Qt::BitmapCursor);
-    QCOMPARE(cursor.hotSpot(), QPoint(12, 12));
-    QImage expected(24, 24, QImage::Format_ARGB32);
-    expected.fill(Qt::transparent);
-    expected = drawnOn(expected, [](QPainter& painter) { painter.drawEllipse(1, 1, 22, 22); });
-    QCOMPARE(cursor.pixmap().toImage().convertToFormat(QImage::Format_ARGB32), expected);
-}
-
-void tst_ScribbleArea_mosaic::brushWithoutWidthKeepsTheCursor()
-{
-    Canvas canvas;
-    canvas.setMosaicPen(scribblePen(Qt::red, 24));
-    canvas.setMosaicPen(scribblePen(Qt::red, 0));
-    QCOMPARE(canvas.mosaicPen().width(), 0);
-    QCOMPARE(canvas.cursor().shape(), Qt::BitmapCursor);
-    QCOMPARE(canvas.cursor().pixmap().size(), QSize(24, 24));
-}
-
-void tst_ScribbleArea_mosaic::mosaicFollowsTheMouseUntilTheRelease()
-{
-    Canvas canvas;
-    canvas.setMosaicBlur(6);
-    canvas.setPaintTypeToMosaic();
-    Brush brush(picture(), 6, 16);
-    canvas.press(QPoint(30, 30));
-    QCOMPARE(canvas.image(), picture());
-    canvas.move(QPoint(100, 40));
-    brush.segment(QPoint(30, 30), QPoint(100, 40));
-    QCOMPARE(canvas.image(), brush.picture);
-    canvas.move(QPoint(60, 120));
-    brush.segment(QPoint(100, 40), QPoint(60, 120));
-    QCOMPARE(canvas.image(), brush.picture);
-    canvas.release(QPoint(150, 100));
-    brush.segment(QPoint(60, 120), QPoint(150, 100));
-    QCOMPARE(canvas.image(), brush.picture);
-    // The stroke has ended.
-    canvas.move(QPoint(180, 30));
-    canvas.release(QPoint(180, 30));
-    QCOMPARE(canvas.image(), brush.picture);
-    QCOMPARE(canvas.history().size(), 1);
-    const DiffRect entry = canvas.history().at(0);
-    QCOMPARE(QRect(entry.position, entry.image.size()), edges(20, 20, 160, 130));
-}
-
-void tst_ScribbleArea_mosaic::everyChangeStartsTheWaitAgain()
-{
-    Canvas canvas;
+    const QTimer& timer = ScribbleAreaAccess::mosaicTimer(canvas);
     canvas.setMosaicBlur(4);
-    constexpr int kHalfWay = 150;
-    QTRY_VERIFY(ScribbleAreaAccess::rebuildRemaining(canvas) < kHalfWay);
-    canvas.setMosaicBlur(5);
-    QVERIFY(ScribbleAreaAccess::rebuildRemaining(canvas) > kHalfWay);
+    QTRY_VERIFY(timer.remainingTime() < kHalfWayMs);
+    canvas.setMosaicBlur(12);
+    QVERIFY(timer.remainingTime() > kHalfWayMs);
+    QCOMPARE(ScribbleAreaAccess::pixelated(canvas), inBlocks(picture(), 2));
+    QTRY_VERIFY(!timer.isActive());
+    QCOMPARE(ScribbleAreaAccess::pixelated(canvas), inBlocks(picture(), 12));
 }
 
 void tst_ScribbleArea_mosaic::newBlocksGoOnlyWhereTheNextStrokeIs()
@@ -249,51 +182,40 @@ void tst_ScribbleArea_mosaic::newBlocksGoOnlyWhereTheNextStrokeIs()
     const auto stroke = [&](const QPoint& from, const QPoint& to) {
         canvas.press(from);
         canvas.release(to);
-        brush.segment(from, to);
+        brush.stroke(kSize, from, to);
+        QCOMPARE(canvas.image(), brush.picture());
     };
     stroke(QPoint(20, 30), QPoint(180, 30));
     stroke(QPoint(20, 120), QPoint(180, 120));
-    QCOMPARE(canvas.image(), brush.picture);
 
     canvas.setMosaicBlur(9);
-    QTRY_VERIFY(!ScribbleAreaAccess::rebuildPending(canvas));
+    QTRY_VERIFY(!ScribbleAreaAccess::mosaicTimer(canvas).isActive());
     // Of the picture with its strokes, while the strokes stay.
-    QCOMPARE(canvas.image(), brush.picture);
-    brush.blocks = inBlocks(brush.picture, 9);
-    QCOMPARE(ScribbleAreaAccess::pixelated(canvas), brush.blocks);
+    QCOMPARE(canvas.image(), brush.picture());
+    brush.rebuild(9);
+    QCOMPARE(ScribbleAreaAccess::pixelated(canvas), brush.blocks());
 
     // Its area reaches into the first stroke, and not to the second.
     const QImage before = canvas.image();
     stroke(QPoint(60, 44), QPoint(100, 44));
-    QCOMPARE(canvas.image(), brush.picture);
     QVERIFY(canvas.image().copy(60, 34, 40, 4) != before.copy(60, 34, 40, 4));
 }
 
-void tst_ScribbleArea_mosaic::mosaicIsClampedToTheCanvas_data()
+void tst_ScribbleArea_mosaic::cursorIsTheBrush()
 {
-    QTest::addColumn<QSize>("widget");
-    QTest::newRow("smaller than the picture") << QSize(50, 40);
-    QTest::newRow("as large as the picture") << kSize;
-    QTest::newRow("larger than the picture") << QSize(500, 400);
-}
-
-void tst_ScribbleArea_mosaic::mosaicIsClampedToTheCanvas()
-{
-    QFETCH(QSize, widget);
+    QImage circle(24, 24, QImage::Format_ARGB32);
+    circle.fill(Qt::transparent);
+    circle = drawnOn(circle, [](QPainter& painter) { painter.drawEllipse(1, 1, 22, 22); });
     Canvas canvas;
-    canvas.setMosaicBlur(6);
-    canvas.setMosaicPen(scribblePen(Qt::red, 60));
-    canvas.setPaintTypeToMosaic();
-    canvas.resize(widget);
-    Brush brush(picture(), 6, 60);
-    brush.widget = widget;
-    canvas.press(QPoint(0, 0));
-    canvas.release(QPoint(450, 350));
-    brush.segment(QPoint(0, 0), QPoint(450, 350));
-    QVERIFY(brush.picture != picture());
-    QCOMPARE(canvas.image(), brush.picture);
-    canvas.undo();
-    QCOMPARE(canvas.image(), picture());
+    // A brush without width keeps the cursor of the one before.
+    for (int width : {24, 0}) {
+        canvas.setMosaicPen(roundPen(Qt::red, width));
+        QCOMPARE(canvas.mosaicPen().width(), width);
+        const QCursor cursor = canvas.cursor();
+        QCOMPARE(cursor.shape(), Qt::BitmapCursor);
+        QCOMPARE(cursor.hotSpot(), QPoint(12, 12));
+        QCOMPARE(cursor.pixmap().toImage().convertToFormat(QImage::Format_ARGB32), circle);
+    }
 }
 
 QTEST_MAIN(tst_ScribbleArea_mosaic)

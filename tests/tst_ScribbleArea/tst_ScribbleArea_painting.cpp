@@ -1,103 +1,54 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "Canvas.h"
+#include "Repainted.h"
 
 #include <QAbstractEventDispatcher>
-#include <QPaintEvent>
-#include <QTimer>
+#include <functional>
 
 namespace
 {
 
-QImage nothing()
-{
-    QImage image(kSize, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    return image;
-}
-
-/// What the canvas itself paints, without its text box.
-QImage paintedBy(Canvas& canvas)
-{
-    QImage image = nothing();
-    canvas.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
-    return image;
-}
-
-/// Collects what is painted on a widget.
-template <typename Widget>
-class Watched : public Widget
+/// A canvas on a parent that is larger.
+class Framed : public QWidget
 {
 public:
-    /// The region that `action` has painted again.
+    Framed()
+    {
+        resize(300, 250);
+        canvas.setParent(this);
+        canvas.setGeometry(QRect(QPoint(50, 40), kSize));
+        // Shown first, since that paints everything.
+        repaintedBy(*this, [] {});
+    }
+    /// What `action` paints of this widget, in coordinates of the canvas.
     template <typename Action>
-    QRegion repaintedBy(Action action)
+    QRegion repainted(Action action)
     {
-        QCoreApplication::sendPostedEvents();
-        m_painted = QRegion();
-        action();
-        QCoreApplication::sendPostedEvents();
-        return m_painted;
+        return repaintedBy(*this, action).translated(-canvas.pos());
     }
+    QRegion all() const { return rect().translated(-canvas.pos()); }
 
-protected:
-    void paintEvent(QPaintEvent* event) override
-    {
-        m_painted |= event->region();
-        Widget::paintEvent(event);
-    }
-
-private:
-    QRegion m_painted;
+    Canvas canvas;
 };
-
-bool isShownOn(QWidget& parent, Canvas& canvas)
-{
-    parent.resize(300, 250);
-    canvas.setParent(&parent);
-    canvas.setGeometry(QRect(QPoint(50, 40), kSize));
-    parent.show();
-    return QTest::qWaitForWindowExposed(&parent);
-}
 
 const QPoint kFrom(150, 30);
 const QPoint kOver(120, 50);
 const QPoint kTo(40, 110);
 
-void drawShape(QPainter& painter, const Canvas& canvas, int state)
+QRegion around(const QPoint& a, const QPoint& b, int margin)
 {
-    const QRect frame = QRect(kFrom, kTo).normalized();
-    if (state == ScribbleArea::GRAPH_RECT) {
-        painter.setPen(canvas.rectPen());
-        painter.drawRect(frame);
-    } else if (state == ScribbleArea::GRAPH_ELLIPSE) {
-        painter.setPen(canvas.ellipsePen());
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.drawEllipse(frame);
-    } else {
-        drawArrowOf(painter, kRed, triangle(kFrom, {46, 98}, {53, 108}),
-                    triangle(kTo, {43, 93}, {57, 113}));
-    }
+    return QRect(a, b).normalized().adjusted(-margin, -margin, margin, margin);
 }
 
 } // namespace
 
-/// What the canvas paints, and what it asks to be painted again.
+/// What the canvas and its parent are asked to paint again.
 class tst_ScribbleArea_painting : public BehaviourTest
 {
     Q_OBJECT
 
 private slots:
-    void shapeIsShownWhileItIsEdited_data();
-    void shapeIsShownWhileItIsEdited();
-    void otherToolsShowNoShape();
-    void pictureIsLeftToTheParent();
-    void segmentsRepaintTheirArea();
-    void undoAndRedoRepaintThePicture();
-    void newPictureRepaintsEverything();
-    void shapePensRepaintEverything();
-    void shapeWithoutAFrameIsRepaintedByItsTool();
-    void shapeWithoutAFrameIsRepaintedByThePress();
     void firstMoveAndReleaseRepaintAllOfTheParent_data();
     void firstMoveAndReleaseRepaintAllOfTheParent();
     void laterMovesOfAStrokeRepaintWhatChanged_data();
@@ -105,146 +56,11 @@ private slots:
     void laterMovesOfAFrameRepaintOldAndNewPlace_data();
     void laterMovesOfAFrameRepaintOldAndNewPlace();
     void movesThatChangeNothingRepaintNothing();
+    void changesRepaintThePicture();
+    void shapeWithoutAFrameIsRepaintedByItsTool();
+    void shapeWithoutAFrameIsRepaintedByThePress();
     void onlyTheMosaicHasATimer();
 };
-
-void tst_ScribbleArea_painting::shapeIsShownWhileItIsEdited_data()
-{
-    QTest::addColumn<int>("state");
-    QTest::newRow("rectangle") << int(ScribbleArea::GRAPH_RECT);
-    QTest::newRow("ellipse") << int(ScribbleArea::GRAPH_ELLIPSE);
-    QTest::newRow("arrow") << int(ScribbleArea::GRAPH_ARROW);
-}
-
-void tst_ScribbleArea_painting::shapeIsShownWhileItIsEdited()
-{
-    QFETCH(int, state);
-    Canvas canvas;
-    canvas.setPaintTypeToGraph();
-    canvas.setGraphState(state);
-    canvas.press(kFrom);
-    canvas.move(kOver);
-    canvas.move(kTo);
-    // No handles yet.
-    QCOMPARE(paintedBy(canvas),
-             drawnOn(nothing(), [&](QPainter& painter) { drawShape(painter, canvas, state); }));
-    canvas.release(kTo);
-    QCOMPARE(paintedBy(canvas), drawnOn(nothing(), [&](QPainter& painter) {
-                 drawShape(painter, canvas, state);
-                 canvas.frame()->render(painter);
-             }));
-}
-
-void tst_ScribbleArea_painting::otherToolsShowNoShape()
-{
-    Canvas canvas;
-    canvas.setGraphState(ScribbleArea::GRAPH_RECT);
-    canvas.setPaintTypeToText();
-    canvas.press(kFrom);
-    canvas.move(kTo);
-    QCOMPARE(paintedBy(canvas), nothing());
-    canvas.release(kTo);
-    QCOMPARE(paintedBy(canvas),
-             drawnOn(nothing(), [&](QPainter& painter) { canvas.frame()->render(painter); }));
-    canvas.setPaintTypeToMosaic();
-    canvas.drag(kFrom, kTo);
-    QCOMPARE(paintedBy(canvas), nothing());
-}
-
-void tst_ScribbleArea_painting::pictureIsLeftToTheParent()
-{
-    Canvas canvas;
-    canvas.drag(kFrom, kTo);
-    QCOMPARE(paintedBy(canvas), nothing());
-}
-
-void tst_ScribbleArea_painting::segmentsRepaintTheirArea()
-{
-    Watched<Canvas> canvas;
-    canvas.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&canvas));
-    canvas.press(QPoint(60, 50));
-    // Half the pen of 2 pixels and 2 more.
-    QCOMPARE(canvas.repaintedBy([&] { canvas.move(QPoint(40, 80)); }),
-             QRegion(edges(37, 47, 63, 83)));
-    QCOMPARE(canvas.repaintedBy([&] { canvas.release(QPoint(90, 80)); }),
-             QRegion(edges(37, 77, 93, 83)));
-    canvas.setPaintTypeToMosaic();
-    canvas.press(QPoint(60, 50));
-    // Half the brush of 16 pixels and 2 more.
-    QCOMPARE(canvas.repaintedBy([&] { canvas.move(QPoint(40, 80)); }),
-             QRegion(edges(30, 40, 70, 90)));
-    QCOMPARE(canvas.repaintedBy([&] { canvas.release(QPoint(90, 80)); }),
-             QRegion(edges(30, 70, 100, 90)));
-}
-
-void tst_ScribbleArea_painting::undoAndRedoRepaintThePicture()
-{
-    Watched<Canvas> canvas;
-    canvas.resize(300, 250);
-    canvas.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&canvas));
-    canvas.drag(kFrom, kTo);
-    QCOMPARE(canvas.repaintedBy([&] { canvas.undo(); }), QRegion(QRect(QPoint(), kSize)));
-    QCOMPARE(canvas.repaintedBy([&] { canvas.undo(); }), QRegion());
-    QCOMPARE(canvas.repaintedBy([&] { canvas.redo(); }), QRegion(QRect(QPoint(), kSize)));
-    QCOMPARE(canvas.repaintedBy([&] { canvas.redo(); }), QRegion());
-}
-
-void tst_ScribbleArea_painting::newPictureRepaintsEverything()
-{
-    Watched<Canvas> canvas;
-    canvas.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&canvas));
-    QCOMPARE(canvas.repaintedBy([&] { canvas.setImage(picture()); }), QRegion(canvas.rect()));
-    QCOMPARE(canvas.repaintedBy([&] { canvas.clearImage(); }), QRegion(canvas.rect()));
-}
-
-// What a commit leaves in the canvas's corner goes with the tool.
-void tst_ScribbleArea_painting::shapeWithoutAFrameIsRepaintedByItsTool()
-{
-    Watched<Canvas> canvas;
-    QPen pen = canvas.rectPen();
-    pen.setWidth(9);
-    canvas.setRectPen(pen);
-    canvas.setPaintTypeToGraph();
-    canvas.setGraphState(ScribbleArea::GRAPH_RECT);
-    canvas.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&canvas));
-    canvas.drag(kFrom, kTo);
-    canvas.undo();
-    QVERIFY(paintedBy(canvas) != nothing());
-    const QRegion repainted = canvas.repaintedBy([&] { canvas.setPaintTypeToScribble(); });
-    QCOMPARE(paintedBy(canvas), nothing());
-    QVERIFY(repainted.contains(QPoint(0, 0)));
-}
-
-// The press turns the arrow round, whose ends are on the corners of the null rectangle.
-void tst_ScribbleArea_painting::shapeWithoutAFrameIsRepaintedByThePress()
-{
-    Watched<Canvas> canvas;
-    canvas.setPaintTypeToGraph();
-    canvas.setGraphState(ScribbleArea::GRAPH_ARROW);
-    canvas.initArrow();
-    canvas.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&canvas));
-    const QImage before = paintedBy(canvas);
-    const QRegion repainted = canvas.repaintedBy([&] { canvas.press(kFrom); });
-    QVERIFY(paintedBy(canvas) != before);
-    QVERIFY(!repainted.isEmpty());
-}
-
-void tst_ScribbleArea_painting::shapePensRepaintEverything()
-{
-    Watched<Canvas> canvas;
-    canvas.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&canvas));
-    const QPen pen = scribblePen(Qt::red, 9);
-    QCOMPARE(canvas.repaintedBy([&] { canvas.setRectPen(pen); }), QRegion(canvas.rect()));
-    QCOMPARE(canvas.repaintedBy([&] { canvas.setEllipsePen(pen); }), QRegion(canvas.rect()));
-    QCOMPARE(canvas.repaintedBy([&] { canvas.setArrowPen(pen); }), QRegion(canvas.rect()));
-    QCOMPARE(canvas.repaintedBy([&] { canvas.setScribblePen(pen); }), QRegion());
-}
 
 void tst_ScribbleArea_painting::firstMoveAndReleaseRepaintAllOfTheParent_data()
 {
@@ -258,17 +74,15 @@ void tst_ScribbleArea_painting::firstMoveAndReleaseRepaintAllOfTheParent_data()
 void tst_ScribbleArea_painting::firstMoveAndReleaseRepaintAllOfTheParent()
 {
     QFETCH(int, type);
-    Watched<QWidget> parent;
-    Canvas canvas;
-    QVERIFY(isShownOn(parent, canvas));
-    const QRegion all(parent.rect());
+    Framed parent;
+    Canvas& canvas = parent.canvas;
     canvas.setPaintType(ScribbleArea::PAINT_TYPE(type));
     for (int stroke = 0; stroke < 2; ++stroke) {
         canvas.press(kFrom);
-        QCOMPARE(parent.repaintedBy([&] { canvas.move(kOver); }), all);
-        QCOMPARE(parent.repaintedBy([&] { canvas.move(kTo, Qt::NoButton); }), QRegion());
-        QVERIFY(parent.repaintedBy([&] { canvas.move(kTo); }) != all);
-        QCOMPARE(parent.repaintedBy([&] { canvas.release(kTo); }), all);
+        QCOMPARE(parent.repainted([&] { canvas.move(kOver); }), parent.all());
+        QCOMPARE(parent.repainted([&] { canvas.hover(kTo); }), QRegion());
+        QVERIFY(parent.repainted([&] { canvas.move(kTo); }) != parent.all());
+        QCOMPARE(parent.repainted([&] { canvas.release(kTo); }), parent.all());
     }
 }
 
@@ -285,17 +99,18 @@ void tst_ScribbleArea_painting::laterMovesOfAStrokeRepaintWhatChanged()
 {
     QFETCH(int, type);
     QFETCH(int, margin);
-    Watched<QWidget> parent;
-    Canvas canvas;
-    QVERIFY(isShownOn(parent, canvas));
+    Framed parent;
+    Canvas& canvas = parent.canvas;
     canvas.setPaintType(ScribbleArea::PAINT_TYPE(type));
     canvas.press(kFrom);
     canvas.move(kOver);
-    QCOMPARE(parent.repaintedBy([&] { canvas.move(kTo); }),
-             QRegion(QRect(kOver, kTo)
-                         .normalized()
-                         .adjusted(-margin, -margin, margin, margin)
-                         .translated(canvas.pos())));
+    QCOMPARE(parent.repainted([&] { canvas.move(kTo); }), around(kOver, kTo, margin));
+
+    Canvas alone;
+    alone.setPaintType(ScribbleArea::PAINT_TYPE(type));
+    alone.press(kFrom);
+    QCOMPARE(repaintedBy(alone, [&] { alone.move(kOver); }), around(kFrom, kOver, margin));
+    QCOMPARE(repaintedBy(alone, [&] { alone.release(kTo); }), around(kOver, kTo, margin));
 }
 
 void tst_ScribbleArea_painting::laterMovesOfAFrameRepaintOldAndNewPlace_data()
@@ -312,34 +127,84 @@ void tst_ScribbleArea_painting::laterMovesOfAFrameRepaintOldAndNewPlace()
 {
     QFETCH(int, state);
     QFETCH(int, height);
-    Watched<QWidget> parent;
-    Canvas canvas;
-    QVERIFY(isShownOn(parent, canvas));
-    canvas.setPaintTypeToGraph();
-    canvas.setGraphState(state);
-    const QPoint from(30, 60);
-    const QPoint over(120, 60);
-    const QPoint to(150, 60);
-    canvas.press(from);
-    canvas.move(over);
-    const QRegion painted = parent.repaintedBy([&] { canvas.move(to); });
-    const QRect both = QRect(from, to).adjusted(-4, -height, 4, height);
-    QVERIFY(QRegion(both.translated(canvas.pos())).subtracted(painted).isEmpty());
+    Framed parent;
+    Canvas& canvas = parent.canvas;
+    canvas.setGraphTool(state);
+    canvas.press(QPoint(30, 60));
+    canvas.move(QPoint(120, 60));
+    const QRegion painted = parent.repainted([&] { canvas.move(QPoint(150, 60)); });
+    const QRect both = edges(30, 60, 150, 60).adjusted(-4, -height, 4, height);
+    QCOMPARE(QRegion(both).subtracted(painted), QRegion());
     // A little more, for outlines.
-    const QRect most = both.adjusted(-6, -6, 6, 6).translated(canvas.pos());
-    QCOMPARE(painted.boundingRect() | most, most);
+    QVERIFY(both.adjusted(-6, -6, 6, 6).contains(painted.boundingRect()));
 }
 
 void tst_ScribbleArea_painting::movesThatChangeNothingRepaintNothing()
 {
-    Watched<QWidget> parent;
-    Canvas canvas;
-    QVERIFY(isShownOn(parent, canvas));
+    Framed parent;
+    Canvas& canvas = parent.canvas;
     canvas.setPaintTypeToGraph();
     canvas.press(kFrom);
     canvas.move(kFrom);
     // Too short a drag for a frame.
-    QCOMPARE(parent.repaintedBy([&] { canvas.move(kFrom + QPoint(1, 0)); }), QRegion());
+    QCOMPARE(parent.repainted([&] { canvas.move(kFrom + QPoint(1, 0)); }), QRegion());
+}
+
+void tst_ScribbleArea_painting::changesRepaintThePicture()
+{
+    Canvas canvas;
+    canvas.resize(300, 250);
+    const QRegion pictureOnly = QRect(QPoint(), kSize);
+    const QRegion all = canvas.rect();
+    const QPen pen = roundPen(Qt::red, 9);
+    const struct {
+        const char* name;
+        std::function<void()> change;
+        QRegion repainted;
+    } rows[] = {
+        {"undo", [&] { canvas.undo(); }, pictureOnly},
+        {"undo past the first edit", [&] { canvas.undo(); }, QRegion()},
+        {"redo", [&] { canvas.redo(); }, pictureOnly},
+        {"redo past the last edit", [&] { canvas.redo(); }, QRegion()},
+        {"another picture", [&] { canvas.setImage(picture()); }, all},
+        {"clear", [&] { canvas.clearImage(); }, all},
+        {"pen of rectangles", [&] { canvas.setRectPen(pen); }, all},
+        {"pen of ellipses", [&] { canvas.setEllipsePen(pen); }, all},
+        {"pen of arrows", [&] { canvas.setArrowPen(pen); }, all},
+        {"pen of strokes", [&] { canvas.setScribblePen(pen); }, QRegion()},
+    };
+    canvas.drag(kFrom, kTo);
+    for (const auto& row : rows)
+        QVERIFY2(repaintedBy(canvas, row.change) == row.repainted, row.name);
+}
+
+// What a commit leaves in the canvas's corner goes with the tool.
+void tst_ScribbleArea_painting::shapeWithoutAFrameIsRepaintedByItsTool()
+{
+    Canvas canvas;
+    QPen pen = canvas.rectPen();
+    pen.setWidth(9);
+    canvas.setRectPen(pen);
+    canvas.setGraphTool(ScribbleArea::GRAPH_RECT);
+    canvas.drag(kFrom, kTo);
+    canvas.undo();
+    const QImage nothing = painted(canvas, QWidget::RenderFlags()).copy(edges(50, 50, 60, 60));
+    QVERIFY(painted(canvas, QWidget::RenderFlags()).copy(edges(0, 0, 10, 10)) != nothing);
+    const QRegion repainted = repaintedBy(canvas, [&] { canvas.setPaintTypeToScribble(); });
+    QCOMPARE(painted(canvas, QWidget::RenderFlags()).copy(edges(0, 0, 10, 10)), nothing);
+    QVERIFY(repainted.contains(QPoint(0, 0)));
+}
+
+// The press turns the arrow round, whose ends are on the corners of the null rectangle.
+void tst_ScribbleArea_painting::shapeWithoutAFrameIsRepaintedByThePress()
+{
+    Canvas canvas;
+    canvas.setGraphTool(ScribbleArea::GRAPH_ARROW);
+    canvas.initArrow();
+    const QImage before = painted(canvas, QWidget::RenderFlags());
+    const QRegion repainted = repaintedBy(canvas, [&] { canvas.press(kFrom); });
+    QVERIFY(painted(canvas, QWidget::RenderFlags()) != before);
+    QVERIFY(!repainted.isEmpty());
 }
 
 void tst_ScribbleArea_painting::onlyTheMosaicHasATimer()
@@ -348,8 +213,7 @@ void tst_ScribbleArea_painting::onlyTheMosaicHasATimer()
     canvas.press(kFrom);
     canvas.move(kOver);
     canvas.move(kTo);
-    const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(&canvas);
-    QCOMPARE(timers.size(), 0);
+    QCOMPARE(QAbstractEventDispatcher::instance()->registeredTimers(&canvas).size(), 0);
     QCOMPARE(canvas.findChildren<QTimer*>().size(), 0);
 }
 
