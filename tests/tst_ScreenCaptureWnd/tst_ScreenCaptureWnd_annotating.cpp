@@ -237,6 +237,9 @@ void tst_ScreenCaptureWnd_annotating::firstToolMakesTheCanvas()
     const QRect all(QPoint(0, 0), QPoint(999, 599));
     m_capture->drag(all);
     QVERIFY(!m_capture->canvas());
+    m_capture->choose(Scribble);
+    // It loads fonts, so it waits for the text tool.
+    QVERIFY(!m_capture->textBox());
     for (const MainItem tool : kTools)
         m_capture->choose(tool);
     QCOMPARE(window()->findChildren<ScribbleArea*>().size(), 1);
