@@ -308,9 +308,9 @@ std::vector<std::string> tokenize(const std::string& text, const std::string& de
     std::vector<std::string> pieces;
     for (std::size_t start = 0; start < text.size();) {
         const std::size_t end = std::min(text.find_first_of(delimiters, start), text.size());
-        const std::string piece = text.substr(start, end - start);
+        std::string piece = text.substr(start, end - start);
         if (!piece.empty() && piece != ".")
-            pieces.push_back(piece);
+            pieces.push_back(std::move(piece));
         start = end + 1;
     }
     return pieces;
