@@ -12,7 +12,7 @@ namespace
 
 constexpr unsigned int kReadOnlyMode = 0x80000000U;
 
-// The platforms' position types are, or begin with, the offset in 64 bits.
+// The position type of each platform is, or begins with, a 64-bit offset.
 static_assert(sizeof(std::fpos_t) >= sizeof(long long), "positions have 64 bits");
 
 std::FILE* open_file(const path& p, const char* mode)
@@ -43,7 +43,7 @@ bool filestream::open(const path& p, unsigned int mode, bool create)
         return true;
     if (create && !exists(p) && !create_file(p))
         return false;
-    // Intended: only this very value opens for reading alone; no single bit of it counts.
+    // Intended: only this very value opens a file read-only. Its single bits have no meaning.
     m_file = open_file(p, mode == kReadOnlyMode ? "rb" : "rb+");
     return is_open();
 }
@@ -76,7 +76,7 @@ int filestream::flush()
     return is_open() ? std::fflush(m_file) : 0;
 }
 
-// Intended: here and below nothing checks that the stream is open.
+// Intended: flock() and the position functions do not check that the stream is open.
 int filestream::flock(int operation)
 {
     return ::flock(::fileno(m_file), operation);

@@ -21,20 +21,20 @@ bool is_dots(const std::string& name)
     return name == "." || name == "..";
 }
 
-// "." and ".." lead to the directory itself and its parent. A backslash separates components, so
-// the path made from a name that contains one leads somewhere else.
+// The names "." and ".." lead to the directory itself and to its parent. A name with a backslash is
+// parsed as several components and leads somewhere else.
 bool can_be_descended(const std::string& name)
 {
     return !is_dots(name) && name.find('\\') == std::string::npos;
 }
 
-// Intended: a bit test, so that sockets and block devices pass for directories.
+// Intended: a bit test, which takes sockets and block devices for directories.
 bool has_directory_bit(const dirent& entry)
 {
     return (entry.d_type & DT_DIR) != 0;
 }
 
-// Intended: the bare name is looked up in the working directory, and failure is not looked at.
+// Intended: lstat() looks the bare name up in the working directory, and may fail.
 bool is_directory_here(const std::string& name)
 {
     struct stat status = {};

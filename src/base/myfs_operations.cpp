@@ -47,8 +47,8 @@ bool has_type(const path& p, mode_t type, std::error_code& ec)
     return false;
 }
 
-/// Fills a buffer of kPathBufferBytes with the zero-terminated path of the executable, and fails
-/// where that is too small.
+/// Fills a buffer of kPathBufferBytes with the zero-terminated path of the executable. Fails if the
+/// path does not fit.
 bool query_executable(char* buffer)
 {
 #ifdef __APPLE__
@@ -102,7 +102,7 @@ void close_keeping_errno(int file)
 
 bool copy(const path& from, const path& to, bool fail_if_exists)
 {
-    // Intended: a file that cannot be opened counts as copied, and only errno tells.
+    // Intended: a file that cannot be opened counts as copied. Only errno tells.
     constexpr bool not_opened = true;
     const int in = ::open(from.str().c_str(), O_RDONLY);
     if (in < 0)
@@ -166,13 +166,13 @@ bool file_exists(const path& p)
     return exists(p) && is_regular_file(p);
 }
 
-// Intended: the argument is ignored.
+// Intended: the function ignores its argument.
 bool not_found_error(int /*error*/)
 {
     return errno == ENOENT || errno == ENOTDIR;
 }
 
-// Intended: here and in the other actions the code takes errno on success too.
+// Intended: this and the other actions set the code from errno on success, too.
 bool create_directory(const path& p, std::error_code& ec)
 {
     const bool ok = ::mkdir(p.str().c_str(), kDirectoryMode) == 0;
@@ -262,7 +262,7 @@ void last_write_time(const path& p, long long t)
 long long last_modify_time(const path& p)
 {
     struct stat status = {};
-    // Intended: failure is not looked at.
+    // Intended: stat() may fail.
     query(p, status);
     return status.st_mtime;
 }
@@ -371,7 +371,7 @@ path app_path()
 {
     static path cached;
     char buffer[kPathBufferBytes] = {};
-    // A failure is not assigned: the empty text is a component, and the next call would not ask.
+    // A path of the empty text is not empty(): caching it would keep later calls from asking.
     if (cached.empty() && query_executable(buffer)) {
         std::printf("executable path is %s\n", buffer);
         cached = path(buffer);
@@ -381,7 +381,7 @@ path app_path()
 
 void set_app_path()
 {
-    // Where the executable is not known the working directory stays; the parent of nothing is "..".
+    // The parent of an empty path is "..", which is not where an unknown executable is.
     const path executable = app_path();
     if (!executable.empty())
         current_path(executable.parent_path());

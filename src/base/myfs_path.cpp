@@ -61,7 +61,7 @@ path::path(const std::wstring& text)
 
 path& path::operator=(const path& other)
 {
-    // Intended: the text is parsed again, which turns the root into one empty component.
+    // Intended: assignment parses the text again, which turns the root into one empty component.
     set(other.string(), POSIX_PATH);
     return *this;
 }
@@ -83,7 +83,7 @@ void path::set(const std::string& text, SYSPATHTYPE type)
     m_type = type;
     m_components = tokenize(text, "/\\");
     if (type != WINDOWS_PATH) {
-        // Intended: a leading backslash separates but does not make the path absolute.
+        // Intended: a leading backslash does not make the path absolute.
         m_absolute = !text.empty() && text[0] == '/';
         return;
     }
@@ -133,7 +133,7 @@ std::wstring path::generic_wstring() const
     return CodeCvt::utf8_to_utf16(generic_string());
 }
 
-// Intended: the root has no components and counts as empty, the empty text has one and does not.
+// Intended: the root, without components, is empty; the empty text, with one, is not.
 bool path::empty() const
 {
     return m_components.empty();
@@ -149,7 +149,7 @@ std::size_t path::size() const
     return m_components.size();
 }
 
-// Intended: style and absoluteness outlive the components.
+// Intended: style and root remain.
 void path::clear()
 {
     m_components.clear();
@@ -157,10 +157,10 @@ void path::clear()
 
 path& path::append(const path& p)
 {
-    // Intended: an absolute path is ignored, or, by an empty path, taken without its root.
+    // Intended: an empty path takes the components of an absolute one, any other ignores it.
     if (!empty() && p.is_absolute())
         return *this;
-    // By index, and counted before, because `p` may be this path.
+    // Appending grows `p`, too, if it is this path.
     const std::size_t count = p.m_components.size();
     for (std::size_t i = 0; i < count; ++i)
         m_components.push_back(p.m_components[i]);
@@ -222,7 +222,7 @@ path path::extension() const
 path path::basename() const
 {
     const std::string name = filename().string();
-    // Intended: the text before a leading dot is "", and a path of that has one empty component.
+    // Intended: ".profile" has the base name path(""), which has one empty component.
     return {name.substr(0, name.rfind('.'))};
 }
 
@@ -241,7 +241,7 @@ path& path::replace_extension(const path& ext)
     return *this;
 }
 
-// Intended: style and absoluteness stay with their objects.
+// Intended: each path keeps its style and root.
 void path::swap(path& other)
 {
     m_components.swap(other.m_components);
@@ -257,7 +257,7 @@ path path::make_absolute() const
     return {resolved};
 }
 
-// Intended: absolute and relative paths with the same components are equal.
+// Intended: the root does not count.
 int path::compare(const path& other) const
 {
     if (m_components == other.m_components)
@@ -302,7 +302,7 @@ bool is_separator(char c)
 
 std::vector<std::string> tokenize(const std::string& text, const std::string& delimiters)
 {
-    // Intended: the empty text is one empty piece, the only empty piece there is.
+    // Intended: only the empty text gives an empty piece.
     if (text.empty())
         return {text};
     std::vector<std::string> pieces;
@@ -319,7 +319,7 @@ std::vector<std::string> tokenize(const std::string& text, const std::string& de
 void path_to_string(const std::vector<std::string>& components, std::string& out, bool absolute,
                     path::SYSPATHTYPE type)
 {
-    // Intended: without components there is no leading separator either.
+    // Intended: without components, an absolute path has no leading separator either.
     if (components.empty())
         return;
     const bool unc = is_unc_marker(components.front());
