@@ -50,7 +50,7 @@ std::size_t encode(const wchar_t* src, std::ptrdiff_t length, char* dst)
 {
     const char* const begin = dst;
     for (std::ptrdiff_t i = 0; i < length; ++i) {
-        const auto value = static_cast<std::int32_t>(src[i]);
+        const auto value = static_cast<std::int32_t>(static_cast<std::uint32_t>(src[i]));
         // Intended: a negative value leaves its low byte.
         if (value < 0x80) {
             *dst++ = static_cast<char>(value);
