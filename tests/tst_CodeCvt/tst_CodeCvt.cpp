@@ -1,84 +1,41 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
+#include "ChineseLocale.h"
 #include "StdText.h"
+#include "TextModel.h"
 #include "code_convert.h"
 
 #include <QRandomGenerator>
 
-#include <cstdint>
-#include <cstring>
-
 namespace
 {
 
-constexpr char kUntouched = 'u';
-constexpr wchar_t kUntouchedWide = L'u';
+constexpr const char* kUtf8Locale = "C.UTF-8";
+constexpr const char* kUnknownLocale = "xx_XX.nowhere";
+constexpr int kRounds = 5000;
 
-/// What a byte announces: the length of its sequence, 0 where decoding stops.
-int announcedLength(unsigned char lead)
+std::string currentLocale()
 {
-    if (lead < 0x80)
-        return 1;
-    if (lead >= 0xC0 && lead <= 0xDF)
-        return 2;
-    return lead >= 0xE0 && lead <= 0xEF ? 3 : 0;
+    return std::setlocale(LC_ALL, nullptr);
 }
 
-/// Sums up the payload of each byte; `text` has a zero behind its end.
-std::wstring modelDecode(const std::string& text)
+std::string repeated(const std::string& text, int times)
 {
-    std::wstring wide;
-    std::size_t i = 0;
-    while (i < text.size()) {
-        const int length = announcedLength(static_cast<unsigned char>(text[i]));
-        if (length == 0)
-            return wide;
-        const int leadValues[] = {0, 0x80, 0x20, 0x10};
-        int value = static_cast<unsigned char>(text[i]) % leadValues[length];
-        for (int k = 1; k < length; ++k) {
-            const std::size_t at = i + static_cast<std::size_t>(k);
-            const int next = at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
-            if (next / 0x40 != 2)
-                return wide;
-            value = value * 0x40 + next % 0x40;
-        }
-        wide.push_back(static_cast<wchar_t>(value));
-        i += static_cast<std::size_t>(length);
-    }
-    return wide;
+    std::string all;
+    for (int i = 0; i < times; ++i)
+        all += text;
+    return all;
 }
 
-std::string modelEncode(const std::wstring& wide)
-{
-    std::string text;
-    for (const wchar_t character : wide) {
-        std::uint32_t value = 0;
-        std::memcpy(&value, &character, sizeof value);
-        const bool negative = value >= 0x80000000U;
-        if (negative || value < 0x80) {
-            text += static_cast<char>(value % 0x100);
-        } else if (value < 0x800) {
-            text += static_cast<char>(0xC0 + value / 0x40);
-            text += static_cast<char>(0x80 + value % 0x40);
-        } else {
-            text += static_cast<char>((0xE0U | (value / 0x1000)) % 0x100);
-            text += static_cast<char>(0x80 + value / 0x40 % 0x40);
-            text += static_cast<char>(0x80 + value % 0x40);
-        }
-    }
-    return text;
-}
-
-/// Mostly well-formed text, with runs of ASCII, and now and then any byte at all.
+/// Mostly well-formed text, with now and then any byte at all.
 std::string randomBytes(QRandomGenerator& random)
 {
     std::wstring wide;
-    const int length = random.bounded(60);
-    for (int i = 0; i < length; ++i) {
+    for (int i = random.bounded(60); i > 0; --i) {
         const int limits[] = {0x80, 0x80, 0x80, 0x800, 0x10000};
         wide.push_back(static_cast<wchar_t>(random.bounded(limits[random.bounded(5)])));
     }
-    std::string text = modelEncode(wide);
+    std::string text = encodedByModel(wide);
     for (int i = random.bounded(4); i > 0 && !text.empty(); --i)
         text[random.bounded(quint32(text.size()))] = static_cast<char>(random.bounded(256));
     return text;
@@ -96,14 +53,19 @@ private slots:
     void encodes_data();
     void encodes();
     void roundTripOfTheWholePlane();
-    void zeroCharactersAreKept();
-    void decoderFollowsTheModel();
-    void encoderFollowsTheModel();
-    void decoderRefusesASmallDestination();
-    void encoderRefusesASmallDestination();
+    void followsTheModel();
     void hugeLengthsAreRefused();
-    void sequenceIsReadBeyondTheLength();
-    void lengthEndsTheInput();
+    void localeStaysSwitched();
+    void unknownLocaleConvertsInTheCurrentOne();
+    void convertsInALocale_data();
+    void convertsInALocale();
+    void toAnsiFillsTheDestinationAtMost();
+    void fromAnsiReadsToTheZero();
+    void gbkLocaleMayBePointedElsewhere();
+    void gbk_data();
+    void gbk();
+    void charactersLongerInTheLocaleComeOutWhole();
+    void foreignCharacterBeyondTheRoomGoesUnnoticed();
 };
 
 void tst_CodeCvt::decodes_data()
@@ -115,26 +77,13 @@ void tst_CodeCvt::decodes_data()
     };
     row("empty", "", L"");
     row("one, two and three bytes", "a\xC3\xA9\xE4\xB8\xAD", L"a\u00E9\u4E2D");
-    row("stray continuation byte",
-        "ab\x80"
-        "cd",
-        L"ab");
-    row("stray byte after long ASCII", std::string(40, 'x') + "\xBF" + std::string(40, 'y'),
-        std::wstring(40, L'x'));
-    row("four bytes",
-        "ab\xF0\x9F\x98\x80"
-        "cd",
-        L"ab");
+    row("zero byte", {'a', '\0', 'b'}, {L'a', L'\0', L'b'});
+    row("stray continuation byte", "ab\x80 cd", L"ab");
+    row("four bytes", "ab\xF0\x9F\x98\x80 cd", L"ab");
     row("five-byte lead", "a\xF8\x88\x80\x80\x80", L"a");
     row("0xFF", "a\xFF", L"a");
-    row("second byte bad",
-        "a\xC3"
-        "b",
-        L"a");
-    row("third byte bad",
-        "a\xE4\xB8"
-        "b",
-        L"a");
+    row("second byte bad", "a\xC3 b", L"a");
+    row("third byte bad", "a\xE4\xB8 b", L"a");
     row("lead at the end", "ab\xC3", L"ab");
     row("three-byte lead at the end", "ab\xE4", L"ab");
     row("cut after two of three", "ab\xE4\xB8", L"ab");
@@ -144,13 +93,6 @@ void tst_CodeCvt::decodes_data()
     row("surrogates", "\xED\xA0\xBD\xED\xB8\x80", {wchar_t(0xD83D), wchar_t(0xDE00)});
     row("limits of two bytes", "\xC2\x80\xDF\xBF", L"\u0080\u07FF");
     row("limits of three bytes", "\xE0\xA0\x80\xEF\xBF\xBF", {wchar_t(0x800), wchar_t(0xFFFF)});
-    row("ASCII, block by block",
-        "0123456\xC3\xA9"
-        "01234567\xC3\xA9"
-        "012345678",
-        L"0123456\u00E9"
-        L"01234567\u00E9"
-        L"012345678");
 }
 
 void tst_CodeCvt::decodes()
@@ -158,13 +100,9 @@ void tst_CodeCvt::decodes()
     QFETCH(std::string, utf8);
     QFETCH(std::wstring, wide);
     QCOMPARE(CodeCvt::utf8_to_utf16(utf8), wide);
-
-    std::wstring buffer(utf8.size() * 2 + 2, kUntouchedWide);
-    const int written =
-        CodeCvt::_utf8_to_ucs2(utf8.c_str(), int(utf8.size()), &buffer[0], int(buffer.size()));
-    QCOMPARE(written, int(wide.size()));
-    QCOMPARE(buffer.substr(0, wide.size()), wide);
-    QCOMPARE(buffer[wide.size()], L'\0');
+    // A sequence that begins within the length is read to its end.
+    for (std::size_t length = 0; length <= utf8.size(); ++length)
+        requireDecoded(utf8, length);
 }
 
 void tst_CodeCvt::encodes_data()
@@ -176,6 +114,7 @@ void tst_CodeCvt::encodes_data()
     };
     row("empty", L"", "");
     row("one, two and three bytes", L"a\u00E9\u4E2D", "a\xC3\xA9\xE4\xB8\xAD");
+    row("zero character", {L'a', L'\0', L'b'}, {'a', '\0', 'b'});
     row("0x7F and 0x80", L"\u007F\u0080", "\x7F\xC2\x80");
     row("0x7FF and 0x800", L"\u07FF\u0800", "\xDF\xBF\xE0\xA0\x80");
     row("0xFFFF", {wchar_t(0xFFFF)}, "\xEF\xBF\xBF");
@@ -183,16 +122,7 @@ void tst_CodeCvt::encodes_data()
     row("0x10000 has the lead byte 0xF0", {wchar_t(0x10000)}, "\xF0\x80\x80");
     row("0x1F600 has the lead byte 0xFF", {wchar_t(0x1F600)}, "\xFF\x98\x80");
     row("0x10FFFF is cut to eight bits", {wchar_t(0x10FFFF)}, "\xEF\xBF\xBF");
-    row("negative is its low byte", {wchar_t(-1), wchar_t(-191)},
-        "\xFF"
-        "A");
-    row("ASCII, block by block",
-        L"0123456\u00E9"
-        L"01234567\u4E2D"
-        L"012345678",
-        "0123456\xC3\xA9"
-        "01234567\xE4\xB8\xAD"
-        "012345678");
+    row("negative is its low byte", {wchar_t(-1), wchar_t(-191)}, {'\xFF', 'A'});
 }
 
 void tst_CodeCvt::encodes()
@@ -200,13 +130,8 @@ void tst_CodeCvt::encodes()
     QFETCH(std::wstring, wide);
     QFETCH(std::string, utf8);
     QCOMPARE(CodeCvt::utf16_to_utf8(wide), utf8);
-
-    std::string buffer(wide.size() * 3 + 1, kUntouched);
-    const int written =
-        CodeCvt::_ucs2_to_utf8(wide.c_str(), int(wide.size()), &buffer[0], int(buffer.size()));
-    QCOMPARE(written, int(utf8.size()));
-    QCOMPARE(buffer.substr(0, utf8.size()), utf8);
-    QCOMPARE(buffer[utf8.size()], '\0');
+    for (std::size_t length = 0; length <= wide.size(); ++length)
+        requireEncoded(wide, length);
 }
 
 void tst_CodeCvt::roundTripOfTheWholePlane()
@@ -217,101 +142,171 @@ void tst_CodeCvt::roundTripOfTheWholePlane()
     QVERIFY(CodeCvt::utf8_to_utf16(CodeCvt::utf16_to_utf8(plane)) == plane);
 }
 
-void tst_CodeCvt::zeroCharactersAreKept()
+void tst_CodeCvt::followsTheModel()
 {
-    const std::wstring wide{L'a', L'\0', L'b'};
-    const std::string utf8{'a', '\0', 'b'};
-    QCOMPARE(CodeCvt::utf16_to_utf8(wide), utf8);
-    QCOMPARE(CodeCvt::utf8_to_utf16(utf8), wide);
-}
-
-void tst_CodeCvt::decoderFollowsTheModel()
-{
+    const LocaleScope scope("C");
     QRandomGenerator random(20240501);
-    for (int round = 0; round < 20000; ++round) {
-        const std::string text = randomBytes(random);
-        QCOMPARE(CodeCvt::utf8_to_utf16(text), modelDecode(text));
-    }
-}
-
-void tst_CodeCvt::encoderFollowsTheModel()
-{
-    QRandomGenerator random(20240502);
-    for (int round = 0; round < 20000; ++round) {
-        std::wstring wide;
-        for (int i = random.bounded(40); i > 0; --i)
-            wide.push_back(static_cast<wchar_t>(random.generate() >> random.bounded(32)));
-        QCOMPARE(CodeCvt::utf16_to_utf8(wide), modelEncode(wide));
-    }
-}
-
-void tst_CodeCvt::decoderRefusesASmallDestination()
-{
-    wchar_t buffer[6];
-    std::fill(std::begin(buffer), std::end(buffer), kUntouchedWide);
-    QCOMPARE(CodeCvt::_utf8_to_ucs2("ab", 2, buffer, 5), 0);
-    QCOMPARE(buffer[0], kUntouchedWide);
-    QCOMPARE(CodeCvt::_utf8_to_ucs2("ab", 2, buffer, 6), 2);
-    QCOMPARE(std::wstring(buffer), std::wstring(L"ab"));
-    QCOMPARE(CodeCvt::_utf8_to_ucs2("", 0, buffer, 1), 0);
-    QCOMPARE(buffer[0], L'a');
-    QCOMPARE(CodeCvt::_utf8_to_ucs2("", 0, buffer, 2), 0);
-    QCOMPARE(buffer[0], L'\0');
-}
-
-void tst_CodeCvt::encoderRefusesASmallDestination()
-{
-    char buffer[7];
-    std::fill(std::begin(buffer), std::end(buffer), kUntouched);
-    QCOMPARE(CodeCvt::_ucs2_to_utf8(L"ab", 2, buffer, 6), 0);
-    QCOMPARE(buffer[0], kUntouched);
-    QCOMPARE(CodeCvt::_ucs2_to_utf8(L"ab", 2, buffer, 7), 2);
-    QCOMPARE(std::string(buffer), std::string("ab"));
-    QCOMPARE(CodeCvt::_ucs2_to_utf8(L"", 0, buffer, 0), 0);
-    QCOMPARE(buffer[0], 'a');
-    QCOMPARE(CodeCvt::_ucs2_to_utf8(L"", 0, buffer, 1), 0);
-    QCOMPARE(buffer[0], '\0');
+    for (int round = 0; round < kRounds; ++round)
+        requireTextConverted(static_cast<char>(random.bounded(256)) + randomBytes(random));
 }
 
 // The limit of so long an input does not fit into an int.
 void tst_CodeCvt::hugeLengthsAreRefused()
 {
-    wchar_t wide[2] = {kUntouchedWide, L'\0'};
-    char narrow[2] = {kUntouched, '\0'};
+    wchar_t wide[2] = {L'u', L'\0'};
+    char narrow[2] = {'u', '\0'};
     QCOMPARE(CodeCvt::_utf8_to_ucs2("a", 0x7FFFFFFF, wide, 2), 0);
     QCOMPARE(CodeCvt::_ucs2_to_utf8(L"a", 0x7FFFFFFF, narrow, 2), 0);
-    QCOMPARE(wide[0], kUntouchedWide);
-    QCOMPARE(narrow[0], kUntouched);
+    QCOMPARE(CodeCvt::_utf8_to_ansi("a", 0x7FFFFFFF, narrow, 2, "C"), 0);
+    QCOMPARE(CodeCvt::_ansi_to_utf8("a", 0x7FFFFFFF, narrow, 2, "C"), 0);
+    QCOMPARE(wide[0], L'u');
+    QCOMPARE(narrow[0], 'u');
 }
 
-void tst_CodeCvt::sequenceIsReadBeyondTheLength()
+void tst_CodeCvt::localeStaysSwitched()
 {
-    wchar_t buffer[8];
-    QCOMPARE(CodeCvt::_utf8_to_ucs2("\xC3\xA9"
-                                    "b",
-                                    1, buffer, 8),
-             1);
-    QCOMPARE(std::wstring(buffer), std::wstring(L"\u00E9"));
-    QCOMPARE(CodeCvt::_utf8_to_ucs2("a\xE4\xB8\xAD"
-                                    "b",
-                                    2, buffer, 8),
-             2);
-    QCOMPARE(std::wstring(buffer), std::wstring(L"a\u4E2D"));
-    QCOMPARE(CodeCvt::_utf8_to_ucs2("\xE4\xB8\xAD"
-                                    "b",
-                                    2, buffer, 8),
-             1);
-    QCOMPARE(std::wstring(buffer), std::wstring(L"\u4E2D"));
+    const LocaleScope scope("C");
+    QCOMPARE(CodeCvt::utf8_to_ansi("\xC3\xA9", kUtf8Locale), std::string("\xC3\xA9"));
+    QCOMPARE(currentLocale(), std::string(kUtf8Locale));
+    QCOMPARE(CodeCvt::asni_to_utf8("a", "C"), std::string("a"));
+    QCOMPARE(currentLocale(), std::string("C"));
+    char buffer[8];
+    QCOMPARE(CodeCvt::_utf8_to_ansi("a", 1, buffer, 8, kUtf8Locale), 1);
+    QCOMPARE(currentLocale(), std::string(kUtf8Locale));
+    QCOMPARE(CodeCvt::_ansi_to_utf8("a", 1, buffer, 8, "C"), 1);
+    QCOMPARE(currentLocale(), std::string("C"));
+    QCOMPARE(CodeCvt::asni_to_utf8("\xFF", kUtf8Locale), std::string());
+    QCOMPARE(currentLocale(), std::string(kUtf8Locale));
+    // A refused conversion leaves the locale.
+    QCOMPARE(CodeCvt::_utf8_to_ansi("a", 1, buffer, 1, "C"), 0);
+    QCOMPARE(CodeCvt::_ansi_to_utf8("a", 1, buffer, 1, "C"), 0);
+    QCOMPARE(currentLocale(), std::string(kUtf8Locale));
 }
 
-void tst_CodeCvt::lengthEndsTheInput()
+void tst_CodeCvt::unknownLocaleConvertsInTheCurrentOne()
 {
-    wchar_t wide[32];
-    QCOMPARE(CodeCvt::_utf8_to_ucs2("0123456789abcdef", 11, wide, 32), 11);
-    QCOMPARE(std::wstring(wide), std::wstring(L"0123456789a"));
-    char narrow[40];
-    QCOMPARE(CodeCvt::_ucs2_to_utf8(L"0123456789abcdef", 11, narrow, 40), 11);
-    QCOMPARE(std::string(narrow), std::string("0123456789a"));
+    const LocaleScope scope(kUtf8Locale);
+    QCOMPARE(CodeCvt::asni_to_utf8("\xC3\xA9", kUnknownLocale), std::string("\xC3\xA9"));
+    QCOMPARE(CodeCvt::utf8_to_ansi("\xC3\xA9", kUnknownLocale), std::string("\xC3\xA9"));
+    QCOMPARE(currentLocale(), std::string(kUtf8Locale));
+}
+
+void tst_CodeCvt::convertsInALocale_data()
+{
+    QTest::addColumn<std::string>("text");
+    QTest::addColumn<std::string>("locale");
+    QTest::addColumn<std::string>("toAnsi");
+    QTest::addColumn<std::string>("toUtf8");
+    const auto row = [](const char* name, const std::string& text, const char* locale,
+                        const std::string& toAnsi, const std::string& toUtf8) {
+        QTest::newRow(name) << text << std::string(locale) << toAnsi << toUtf8;
+    };
+    row("text without errors", "caf\xC3\xA9", kUtf8Locale, "caf\xC3\xA9", "caf\xC3\xA9");
+    row("invalid in the locale gives nothing", "ab\xFF", kUtf8Locale, "ab", "");
+    row("foreign to the locale gives nothing", "ab\xE4\xB8\xAD", "C", "", "");
+    row("a zero byte ends it", {'a', '\0', 'b'}, kUtf8Locale, "a", "a");
+    row("bad UTF-8 is cut before the locale sees it", "ab\x80", "C", "ab", "");
+    row("above the plane", "\xF0\x9F\x98\x80", kUtf8Locale, "", "\xFF\x98\x80");
+}
+
+void tst_CodeCvt::convertsInALocale()
+{
+    const LocaleScope scope("C");
+    QFETCH(std::string, text);
+    QFETCH(std::string, locale);
+    QFETCH(std::string, toAnsi);
+    QFETCH(std::string, toUtf8);
+    QCOMPARE(CodeCvt::utf8_to_ansi(text, locale.c_str()), toAnsi);
+    QCOMPARE(CodeCvt::asni_to_utf8(text, locale.c_str()), toUtf8);
+    requireConverted(text, locale.c_str());
+}
+
+// A sequence begun inside the length is read to its end, and the destination ends the rest.
+void tst_CodeCvt::toAnsiFillsTheDestinationAtMost()
+{
+    const LocaleScope scope("C");
+    char buffer[] = "uuu";
+    QCOMPARE(CodeCvt::_utf8_to_ansi("\xE4\xB8\xAD", 1, buffer, 2, kUtf8Locale), 0);
+    QCOMPARE(buffer[2], 'u');
+    QCOMPARE(CodeCvt::_utf8_to_ansi("\xC3\xA9", 1, buffer, 2, kUtf8Locale), 2);
+    QCOMPARE(std::string(buffer), std::string("\xC3\xA9u"));
+}
+
+void tst_CodeCvt::fromAnsiReadsToTheZero()
+{
+    const LocaleScope scope("C");
+    char buffer[32];
+    // As many wide characters as fit twice the length and two.
+    QCOMPARE(CodeCvt::_ansi_to_utf8("abcdefgh", 1, buffer, 32, kUtf8Locale), 4);
+    QCOMPARE(std::string(buffer), std::string("abcd"));
+    // More characters than the length promised may be refused by the encoder.
+    QCOMPARE(CodeCvt::_ansi_to_utf8("abcdefgh", 1, buffer, 12, kUtf8Locale), 0);
+}
+
+void tst_CodeCvt::gbkLocaleMayBePointedElsewhere()
+{
+    const LocaleScope scope("C");
+    const char* const before = CodeCvt::china_locale;
+    QCOMPARE(std::string(before), std::string("zh_CN.gb18030"));
+    CodeCvt::china_locale = kUtf8Locale;
+    const std::string decoded = CodeCvt::gbk_to_utf8("\xC3\xA9");
+    const std::string encoded = CodeCvt::utf16_to_gbk(L"\u4E2D");
+    CodeCvt::china_locale = before;
+    QCOMPARE(decoded, std::string("\xC3\xA9"));
+    QCOMPARE(encoded, std::string("\xE4\xB8\xAD"));
+}
+
+void tst_CodeCvt::gbk_data()
+{
+    QTest::addColumn<std::string>("bytes");
+    QTest::addColumn<std::wstring>("wide");
+    const auto row = [](const char* name, const std::string& bytes, const std::wstring& wide) {
+        QTest::newRow(name) << bytes << wide;
+    };
+    row("empty", "", L"");
+    row("ASCII", "abc", L"abc");
+    row("U+4E2D", "\xD6\xD0", L"\u4E2D");
+    row("mixed", "x\xD6\xD0y\xD2\xBB", L"x\u4E2Dy\u4E00");
+    row("two bytes in both", "\xA8\xA6", L"\u00E9");
+    row("four bytes for two", "\x81\x30\x86\x38", L"\u00C0");
+}
+
+void tst_CodeCvt::gbk()
+{
+    SKIP_WITHOUT_CHINESE_LOCALE();
+    const LocaleScope scope("C");
+    QFETCH(std::string, bytes);
+    QFETCH(std::wstring, wide);
+    const std::string utf8 = CodeCvt::utf16_to_utf8(wide);
+    QCOMPARE(CodeCvt::gbk_to_utf8(bytes), utf8);
+    QCOMPARE(CodeCvt::gbk_to_utf16(bytes), wide);
+    QCOMPARE(CodeCvt::utf8_to_gbk(utf8), bytes);
+    QCOMPARE(CodeCvt::utf16_to_gbk(wide), bytes);
+    QCOMPARE(currentLocale(), std::string("zh_CN.gb18030"));
+    QCOMPARE(CodeCvt::gbk_to_utf16(bytes + "\xFF"), std::wstring());
+}
+
+void tst_CodeCvt::charactersLongerInTheLocaleComeOutWhole()
+{
+    SKIP_WITHOUT_CHINESE_LOCALE();
+    const LocaleScope scope("C");
+    for (const int times : {1, 2, 3, 4, 7, 8, 15, 16, 100, 5000}) {
+        const std::string converted = CodeCvt::utf8_to_gbk(repeated("\xC3\x80", times));
+        QCOMPARE(converted, repeated("\x81\x30\x86\x38", times));
+    }
+}
+
+// The string function measures the whole text first, and so finds the surrogate.
+void tst_CodeCvt::foreignCharacterBeyondTheRoomGoesUnnoticed()
+{
+    SKIP_WITHOUT_CHINESE_LOCALE();
+    const LocaleScope scope("C");
+    const char text[] = "\xC3\x80\xC3\x80\xED\xB2\xB2";
+    char buffer[12] = "uuuuuuuuuuu";
+    QCOMPARE(CodeCvt::_utf8_to_ansi(text, 7, buffer, 8, CodeCvt::china_locale), 8);
+    QCOMPARE(std::string(buffer), repeated("\x81\x30\x86\x38", 2) + "uuu");
+    QCOMPARE(CodeCvt::_utf8_to_ansi(text, 7, buffer, 12, CodeCvt::china_locale), 0);
+    QCOMPARE(CodeCvt::utf8_to_gbk(text), std::string());
 }
 
 QTEST_APPLESS_MAIN(tst_CodeCvt)

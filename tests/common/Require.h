@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
+#include <stdexcept>
+#include <string>
 
-/// Ends the program, which makes the input a finding, where `condition` does not hold.
+/// Throws where `condition` does not hold, which a test reports and a fuzzer takes for a finding.
 #define REQUIRE(condition)                                                                         \
     do {                                                                                           \
         if (!(condition)) {                                                                        \
-            std::fprintf(stderr, "%s:%d: does not hold: %s\n", __FILE__, __LINE__, #condition);    \
-            std::abort();                                                                          \
+            throw std::logic_error(std::string(__FILE__) + ":" + std::to_string(__LINE__) +        \
+                                   ": does not hold: " #condition);                                \
         }                                                                                          \
     } while (false)
