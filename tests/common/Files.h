@@ -70,6 +70,13 @@ inline mode_t permissions(const std::string& name)
     return ::stat(name.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
 }
 
+/// Whether there is the device on which nothing fits.
+inline bool hasFullDevice()
+{
+    struct stat status = {};
+    return ::stat("/dev/full", &status) == 0 && S_ISCHR(status.st_mode);
+}
+
 /// How many files this process has open; one of them is for counting.
 inline std::ptrdiff_t openFiles()
 {

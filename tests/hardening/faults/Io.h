@@ -27,8 +27,10 @@ public:
     IoFaults(const IoFaults&) = delete;
     IoFaults& operator=(const IoFaults&) = delete;
 
-    /// The most that one call reads or writes.
+    /// The most that one call writes.
     std::size_t mostBytes = SIZE_MAX;
+    /// The most that one call reads.
+    std::size_t mostReadBytes = SIZE_MAX;
     /// How many calls of its kind succeed before further ones fail; negative: all do.
     int readsBeforeError = -1;
     int writesBeforeError = -1;
@@ -42,7 +44,7 @@ public:
     /// What looking at a file fails with.
     int statError = 0;
 
-    /// The calls that got no more than mostBytes where they asked for more.
+    /// The calls that got no more than the most where they asked for more.
     Calls shortened;
     /// The calls that got an error instead.
     Calls failed;

@@ -47,11 +47,12 @@ int error()
 
 /// Does `call` with no more bytes than one call gets, and counts it where it got those alone.
 template <typename Call>
-ssize_t cutShort(int file, std::size_t bytes, int Calls::*kind, Call call)
+ssize_t cutShort(int file, std::size_t bytes, std::size_t IoFaults::*most, int Calls::*kind,
+                 Call call)
 {
-    if (!isMet(file) || bytes <= s_faults->mostBytes)
+    if (!isMet(file) || bytes <= s_faults->*most)
         return call(bytes);
-    const ssize_t done = call(s_faults->mostBytes);
+    const ssize_t done = call(s_faults->*most);
     if (done > 0)
         ++(s_faults->shortened.*kind);
     return done;
@@ -84,7 +85,7 @@ ssize_t read(int file, void* data, std::size_t bytes)
 {
     if (fails(file, &IoFaults::readsBeforeError, &Calls::reads))
         return error();
-    return cutShort(file, bytes, &Calls::reads,
+    return cutShort(file, bytes, &IoFaults::mostReadBytes, &Calls::reads,
                     [=](std::size_t most) { return ::syscall(SYS_read, file, data, most); });
 }
 
@@ -92,7 +93,7 @@ ssize_t write(int file, const void* data, std::size_t bytes)
 {
     if (fails(file, &IoFaults::writesBeforeError, &Calls::writes))
         return error();
-    return cutShort(file, bytes, &Calls::writes,
+    return cutShort(file, bytes, &IoFaults::mostBytes, &Calls::writes,
                     [=](std::size_t most) { return ::syscall(SYS_write, file, data, most); });
 }
 
