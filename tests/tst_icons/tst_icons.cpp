@@ -21,6 +21,8 @@ const Icon kIcons[] = {
     {"sep", {2, 18}},     {"send", {18, 15}},   {"bg", {50, 30}},     {"button_border", {22, 22}},
 };
 
+constexpr int kScales[] = {1, 2};
+
 /// Rendering rounds the soft edges of a shape and of its mirror image a little differently.
 constexpr int kEdgeAlphaTolerance = 32;
 
@@ -64,40 +66,11 @@ class tst_icons : public BehaviourTest
 
 private slots:
     void resourcesAreTheSixteenIconsAtBothScales();
-    void hasItsPixelSize_data() { eachIcon(); }
-    void hasItsPixelSize();
-    void isStoredUncompressed_data() { eachIcon(); }
-    void isStoredUncompressed();
-    void isNotBlank_data() { eachIcon(); }
-    void isNotBlank();
-    void cursorPointsWithItsTopLeftPixel_data();
+    void isUncompressedOfItsSizeAndNotBlank_data();
+    void isUncompressedOfItsSizeAndNotBlank();
     void cursorPointsWithItsTopLeftPixel();
-    void redoMirrorsUndo_data();
     void redoMirrorsUndo();
-
-private:
-    static void eachIcon();
-    static void eachScale();
 };
-
-void tst_icons::eachIcon()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QSize>("sizePx");
-    for (const Icon& icon : kIcons) {
-        for (const int scale : {1, 2}) {
-            const QString file = fileName(icon.name, scale);
-            QTest::newRow(qPrintable(file)) << file << icon.sizePx * scale;
-        }
-    }
-}
-
-void tst_icons::eachScale()
-{
-    QTest::addColumn<int>("scale");
-    QTest::newRow("1x") << 1;
-    QTest::newRow("2x") << 2;
-}
 
 void tst_icons::resourcesAreTheSixteenIconsAtBothScales()
 {
@@ -110,54 +83,46 @@ void tst_icons::resourcesAreTheSixteenIconsAtBothScales()
     QCOMPARE(found, expected);
 }
 
-void tst_icons::hasItsPixelSize()
+void tst_icons::isUncompressedOfItsSizeAndNotBlank_data()
 {
-    QFETCH(QString, file);
-    QFETCH(QSize, sizePx);
-    QCOMPARE(load(file).size(), sizePx);
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QSize>("sizePx");
+    for (const Icon& icon : kIcons) {
+        for (const int scale : kScales) {
+            const QString file = fileName(icon.name, scale);
+            QTest::newRow(qPrintable(file)) << file << icon.sizePx * scale;
+        }
+    }
 }
 
-void tst_icons::isStoredUncompressed()
+void tst_icons::isUncompressedOfItsSizeAndNotBlank()
 {
     QFETCH(QString, file);
     const QResource resource(kDirectory + file);
     QVERIFY(resource.isValid());
     QCOMPARE(resource.compressionAlgorithm(), QResource::NoCompression);
-}
-
-void tst_icons::isNotBlank()
-{
-    QFETCH(QString, file);
     const QImage image = load(file);
+    QTEST(image.size(), "sizePx");
     QVERIFY(countAlpha(image, 255) > 0);
     if (!file.startsWith("bg"))
         QVERIFY(countAlpha(image, 0) > 0);
 }
 
-void tst_icons::cursorPointsWithItsTopLeftPixel_data()
-{
-    eachScale();
-}
-
 void tst_icons::cursorPointsWithItsTopLeftPixel()
 {
-    QFETCH(int, scale);
-    QVERIFY(qAlpha(load(fileName("cursor", scale)).pixel(0, 0)) > 0);
-}
-
-void tst_icons::redoMirrorsUndo_data()
-{
-    eachScale();
+    for (const int scale : kScales)
+        QVERIFY(qAlpha(load(fileName("cursor", scale)).pixel(0, 0)) > 0);
 }
 
 void tst_icons::redoMirrorsUndo()
 {
-    QFETCH(int, scale);
-    const QImage undo = load(fileName("undo", scale));
-    const QImage redo = load(fileName("redo", scale));
-    QCOMPARE(redo.size(), undo.size());
-    QVERIFY(largestAlphaDifference(redo, undo) > kEdgeAlphaTolerance);
-    QVERIFY(largestAlphaDifference(redo, undo.mirrored(true, false)) <= kEdgeAlphaTolerance);
+    for (const int scale : kScales) {
+        const QImage undo = load(fileName("undo", scale));
+        const QImage redo = load(fileName("redo", scale));
+        QCOMPARE(redo.size(), undo.size());
+        QVERIFY(largestAlphaDifference(redo, undo) > kEdgeAlphaTolerance);
+        QVERIFY(largestAlphaDifference(redo, undo.mirrored(true, false)) <= kEdgeAlphaTolerance);
+    }
 }
 
 QTEST_MAIN(tst_icons)
