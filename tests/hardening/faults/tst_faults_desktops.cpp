@@ -79,8 +79,8 @@ class tst_faults_desktops : public BehaviourTest
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
+    void initTestCase() { startManager(); }
+    void cleanupTestCase() { m_manager.reset(); }
     void init();
     void cleanup();
     void overlayCoversTheDesktop();
@@ -93,6 +93,8 @@ private slots:
 
 private:
     void startManager();
+    /// The selected part of the desktop is delivered.
+    void verifyDelivery();
     /// The canvas after a stroke with a tool across it.
     ScribbleArea* annotate(const char* tool);
 
@@ -101,16 +103,6 @@ private:
     QScopedPointer<CaptureProbe> m_capture;
     Receiver m_receiver;
 };
-
-void tst_faults_desktops::initTestCase()
-{
-    startManager();
-}
-
-void tst_faults_desktops::cleanupTestCase()
-{
-    m_manager.reset();
-}
 
 // A window manager gives an ordinary window another parent; a compositor makes a window of its
 // name.
@@ -151,7 +143,7 @@ void tst_faults_desktops::cleanup()
 void tst_faults_desktops::overlayCoversTheDesktop()
 {
     QTRY_COMPARE(m_capture->window()->size(), screenRect().size());
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->drag(kRegion);
     const QRect inside = kRegion.adjusted(10, 10, -10, -10);
     const QPoint moved = m_capture->window()->mapToGlobal(QPoint(0, 0));
     QTRY_COMPARE(screenshot().copy(inside.translated(moved)),
@@ -164,14 +156,20 @@ void tst_faults_desktops::overlayCoversTheDesktop()
         besideRegion(*m_capture, dimmedAsShown(m_desktop->picture())).copy(seen));
 }
 
-void tst_faults_desktops::regionIsDelivered()
+void tst_faults_desktops::verifyDelivery()
 {
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
     m_capture->window()->accept();
     QTRY_COMPARE(m_receiver.count, 1);
+    QVERIFY(m_receiver.finished);
     QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32),
              asShown(m_desktop->picture()).copy(kRegion));
     QTRY_VERIFY(m_capture->isGone());
+}
+
+void tst_faults_desktops::regionIsDelivered()
+{
+    m_capture->drag(kRegion);
+    verifyDelivery();
     QTRY_COMPARE(screenshot(), asShown(m_desktop->picture()));
 }
 
@@ -182,18 +180,14 @@ ScribbleArea* tst_faults_desktops::annotate(const char* tool)
             button->click();
     }
     auto* canvas = m_capture->window()->findChild<ScribbleArea*>();
-    QTest::mousePress(canvas, Qt::LeftButton, {}, QPoint(50, 50));
-    QMouseEvent move(QEvent::MouseMove, QPoint(150, 120), Qt::NoButton, Qt::LeftButton,
-                     Qt::NoModifier);
-    QApplication::sendEvent(canvas, &move);
-    QTest::mouseRelease(canvas, Qt::LeftButton, {}, QPoint(150, 120));
+    Mouse(canvas).drag(QPoint(50, 50), QPoint(150, 120));
     canvas->completeScribble();
     return canvas;
 }
 
 void tst_faults_desktops::annotationsAreUndone()
 {
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->drag(kRegion);
     const QImage selected = asShown(m_desktop->picture()).copy(kRegion);
     for (const char* tool : kAnnotations) {
         ScribbleArea* const canvas = annotate(tool);
@@ -202,14 +196,12 @@ void tst_faults_desktops::annotationsAreUndone()
             canvas->undo();
         QVERIFY2(canvas->image() == selected, tool);
     }
-    m_capture->window()->onBtnSend();
-    QTRY_COMPARE(m_receiver.count, 1);
-    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32), selected);
+    verifyDelivery();
 }
 
 void tst_faults_desktops::annotationsAreDelivered()
 {
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->drag(kRegion);
     QImage annotated = asShown(m_desktop->picture()).copy(kRegion);
     for (const char* tool : kAnnotations) {
         const QImage before = annotated;
@@ -226,7 +218,7 @@ void tst_faults_desktops::mosaicShowsBlocksOfTheDesktop()
 {
     constexpr int kBlockPx = 2;
     constexpr QPoint onTheStroke(100, 85);
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->drag(kRegion);
     const QImage selected = asShown(m_desktop->picture()).copy(kRegion);
     QCOMPARE(annotate("Mosaic")->image().pixel(onTheStroke),
              inBlocks(selected, kBlockPx).pixel(onTheStroke));
@@ -240,24 +232,17 @@ void tst_faults_desktops::windowRaisedAboveDoesNoHarm()
     other.show();
     other.raise();
     QVERIFY(QTest::qWaitForWindowExposed(&other));
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
-    m_capture->window()->accept();
-    QTRY_COMPARE(m_receiver.count, 1);
-    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32),
-             asShown(m_desktop->picture()).copy(kRegion));
+    m_capture->drag(kRegion);
+    verifyDelivery();
 }
 
 void tst_faults_desktops::managerThatEndsInTheMiddle()
 {
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->drag(kRegion);
     m_manager.reset();
     QCoreApplication::processEvents();
     QVERIFY(m_capture->window()->isVisible());
-    m_capture->window()->accept();
-    QTRY_COMPARE(m_receiver.count, 1);
-    QCOMPARE(m_receiver.image.convertToFormat(QImage::Format_RGB32),
-             asShown(m_desktop->picture()).copy(kRegion));
-    QTRY_VERIFY(m_capture->isGone());
+    verifyDelivery();
     startManager();
 }
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "Access.h"
 #include "BehaviourTest.h"
 #include "CaptureProbe.h"
 #include "Files.h"
 #include "Io.h"
+#include "Pictures.h"
 
 #include <QFileDialog>
 #include <QLineEdit>
-#include <QRandomGenerator>
 #include <QTimer>
 #include <cerrno>
 #include <functional>
@@ -22,23 +23,6 @@ constexpr rlim_t kSomeBytes = 100;
 constexpr std::size_t kShortBytes = 1000;
 const char* const kSuffixes[] = {"png", "jpg", "bmp"};
 
-/// Noise, so that its file is written in more than one piece.
-QImage desktopPicture()
-{
-    QImage picture(kDesktopSize, QImage::Format_RGB32);
-    QRandomGenerator random(17);
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x)
-            picture.setPixel(x, y, 0xff000000u | random.generate());
-    }
-    return picture;
-}
-
-QImage read(const std::string& name)
-{
-    return QImage(QString::fromStdString(name)).convertToFormat(QImage::Format_RGB32);
-}
-
 } // namespace
 
 /// Pictures saved where there is no room for them: nothing is said, the window is back at its start
@@ -52,14 +36,12 @@ private slots:
     void cleanup();
     void fileSizeLimit_data();
     void fileSizeLimit();
-    void fileThatCannotBeOpened_data();
-    void fileThatCannotBeOpened();
-    void failedWrite_data();
-    void failedWrite();
+    void failedCall_data();
+    void failedCall();
     void writesCutShort_data();
     void writesCutShort();
-    void vanishedDirectory();
-    void directoryBelowAPlainFile();
+    void directoryThatIsNone_data();
+    void directoryThatIsNone();
 
 private:
     /// Calls `onceNamed` when the dialog is gone with all that it writes itself.
@@ -77,9 +59,10 @@ void tst_faults_saving::init()
     BehaviourTest::init();
     m_capture.reset(new CaptureProbe);
     m_capture->window()->showFullDesktop(true);
-    m_desktop = desktopPicture();
+    // So much noise that its file is written in more than one piece.
+    m_desktop = noise(kDesktopSize);
     ScreenCaptureWndAccess::setDesktop(m_capture->window(), m_desktop);
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->drag(kRegion);
 }
 
 void tst_faults_saving::cleanup()
@@ -106,18 +89,19 @@ void tst_faults_saving::saveAs(const std::string& name, const std::function<void
 
 void tst_faults_saving::selectAgainAndSave(const std::string& name)
 {
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->drag(kRegion);
     saveAs(name);
-    QCOMPARE(read(name).size(), kRegion.size());
+    const QImage saved(QString::fromStdString(name));
+    QCOMPARE(saved.size(), kRegion.size());
     if (!QString::fromStdString(name).endsWith("jpg"))
-        QVERIFY(read(name) == m_desktop.copy(kRegion));
+        QVERIFY(saved.convertToFormat(QImage::Format_RGB32) == m_desktop.copy(kRegion));
 }
 
 void tst_faults_saving::selectAgainAndDeliver()
 {
     Receiver receiver;
     m_capture->window()->connectTo(&receiver, SLOT(onCaptured(QImage, bool)));
-    m_capture->drag(kRegion.topLeft(), kRegion.bottomRight());
+    m_capture->drag(kRegion);
     m_capture->window()->accept();
     deliver();
     QCOMPARE(receiver.count, 1);
@@ -145,63 +129,47 @@ void tst_faults_saving::fileSizeLimit()
     selectAgainAndDeliver();
 }
 
-void tst_faults_saving::fileThatCannotBeOpened_data()
+void tst_faults_saving::failedCall_data()
 {
-    QTest::addColumn<int>("error");
-    QTest::newRow("read-only file system") << EROFS;
-    QTest::newRow("no permission") << EACCES;
+    QTest::addColumn<QString>("suffix");
+    QTest::addColumn<int>("openError");
+    QTest::addColumn<int>("writeError");
+    QTest::addColumn<int>("writesBefore");
+    QTest::newRow("read-only file system") << "png" << EROFS << 0 << 0;
+    QTest::newRow("no permission") << "png" << EACCES << 0 << 0;
+    for (const char* suffix : kSuffixes) {
+        QTest::addRow("%s, disk full at once", suffix) << suffix << 0 << ENOSPC << 0;
+        QTest::addRow("%s, disk full at the third write", suffix) << suffix << 0 << ENOSPC << 2;
+        QTest::addRow("%s, input and output", suffix) << suffix << 0 << EIO << 0;
+        QTest::addRow("%s, input and output at the second write", suffix)
+            << suffix << 0 << EIO << 1;
+    }
 }
 
-void tst_faults_saving::fileThatCannotBeOpened()
+void tst_faults_saving::failedCall()
 {
-    QFETCH(int, error);
+    QFETCH(QString, suffix);
+    QFETCH(int, openError);
+    QFETCH(int, writeError);
+    QFETCH(int, writesBefore);
     const Scratch scratch;
-    const std::string name = scratch.path("picture.png");
+    const std::string name = scratch.path("picture." + suffix.toStdString());
     writeFile(name, "before");
     QScopedPointer<IoFaults> faults;
     saveAs(name, [&] {
         faults.reset(new IoFaults);
-        faults->openForWritingError = error;
-    });
-    QVERIFY(faults);
-    QVERIFY(faults->failed.opens > 0);
-    faults.reset();
-    QCOMPARE(readFile(name), std::string("before"));
-    selectAgainAndSave(name);
-    selectAgainAndDeliver();
-}
-
-void tst_faults_saving::failedWrite_data()
-{
-    QTest::addColumn<QString>("suffix");
-    QTest::addColumn<int>("writesBefore");
-    QTest::addColumn<int>("error");
-    for (const char* suffix : kSuffixes) {
-        QTest::addRow("%s, disk full at once", suffix) << suffix << 0 << ENOSPC;
-        QTest::addRow("%s, disk full at the third write", suffix) << suffix << 2 << ENOSPC;
-        QTest::addRow("%s, input and output", suffix) << suffix << 0 << EIO;
-        QTest::addRow("%s, input and output at the second write", suffix) << suffix << 1 << EIO;
-    }
-}
-
-void tst_faults_saving::failedWrite()
-{
-    QFETCH(QString, suffix);
-    QFETCH(int, writesBefore);
-    QFETCH(int, error);
-    const Scratch scratch;
-    const std::string name = scratch.path("picture." + suffix.toStdString());
-    QScopedPointer<IoFaults> faults;
-    saveAs(name, [&] {
-        faults.reset(new IoFaults);
-        faults->error = error;
+        faults->openForWritingError = openError;
+        faults->error = writeError;
         faults->writesBeforeError = writesBefore;
         faults->mostBytes = kShortBytes;
     });
     QVERIFY(faults);
-    QVERIFY(faults->failed.writes > 0);
+    QVERIFY((openError != 0 ? faults->failed.opens : faults->failed.writes) > 0);
     faults.reset();
-    QVERIFY(readFile(name).size() <= std::size_t(writesBefore) * kShortBytes);
+    if (openError != 0)
+        QCOMPARE(readFile(name), std::string("before"));
+    else
+        QVERIFY(readFile(name).size() <= std::size_t(writesBefore) * kShortBytes);
     selectAgainAndSave(name);
     selectAgainAndDeliver();
 }
@@ -243,23 +211,20 @@ void tst_faults_saving::writesCutShort()
     selectAgainAndDeliver();
 }
 
-void tst_faults_saving::vanishedDirectory()
+void tst_faults_saving::directoryThatIsNone_data()
 {
-    std::string directory;
-    {
-        const Scratch scratch;
-        directory = scratch.path();
-    }
-    saveAs(directory + "/picture.png");
-    QVERIFY(!std::filesystem::exists(directory));
-    selectAgainAndDeliver();
+    QTest::addColumn<QString>("name");
+    QTest::newRow("gone") << "gone";
+    QTest::newRow("a plain file") << "file";
 }
 
-void tst_faults_saving::directoryBelowAPlainFile()
+void tst_faults_saving::directoryThatIsNone()
 {
+    QFETCH(QString, name);
     const Scratch scratch;
     writeFile(scratch.path("file"), "text");
-    saveAs(scratch.path("file") + "/picture.png");
+    saveAs(scratch.path(name.toStdString()) + "/picture.png");
+    QVERIFY(!std::filesystem::exists(scratch.path("gone")));
     QCOMPARE(readFile(scratch.path("file")), std::string("text"));
     selectAgainAndDeliver();
 }

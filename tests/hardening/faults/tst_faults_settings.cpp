@@ -38,20 +38,20 @@ void tst_faults_settings::unwrittenColorsStayInMemory_data()
 {
     QTest::addColumn<int>("error");
     QTest::addColumn<int>("writesBeforeError");
-    QTest::addColumn<bool>("opens");
+    QTest::addColumn<int>("openError");
     // The lock is written first.
-    QTest::newRow("no room for the lock") << ENOSPC << 0 << true;
-    QTest::newRow("no room for the colors") << ENOSPC << 1 << true;
-    QTest::newRow("input and output error") << EIO << 1 << true;
-    QTest::newRow("read-only file system") << EROFS << 0 << false;
-    QTest::newRow("no permission") << EACCES << 0 << false;
+    QTest::newRow("no room for the lock") << ENOSPC << 0 << 0;
+    QTest::newRow("no room for the colors") << ENOSPC << 1 << 0;
+    QTest::newRow("input and output error") << EIO << 1 << 0;
+    QTest::newRow("read-only file system") << EROFS << 0 << EROFS;
+    QTest::newRow("no permission") << EACCES << 0 << EACCES;
 }
 
 void tst_faults_settings::unwrittenColorsStayInMemory()
 {
     QFETCH(int, error);
     QFETCH(int, writesBeforeError);
-    QFETCH(bool, opens);
+    QFETCH(int, openError);
     const Scratch scratch;
     const std::string file = scratch.path("screencapture.ini");
     writeFile(file, "[pen_color]\nrectColor=4278190335\n");
@@ -59,7 +59,7 @@ void tst_faults_settings::unwrittenColorsStayInMemory()
         IoFaults faults;
         faults.error = error;
         faults.writesBeforeError = writesBeforeError;
-        faults.openForWritingError = opens ? 0 : error;
+        faults.openForWritingError = openError;
         ScreenCaptureTool::init(QString::fromStdString(scratch.path()));
         QCOMPARE(rectColorNow(), QColor(Qt::blue));
         setAll(Qt::green);
