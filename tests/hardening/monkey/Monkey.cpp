@@ -22,6 +22,7 @@
 #include <QWheelEvent>
 #include <QWindow>
 #include <QtTest>
+#include <numeric>
 
 /// Whether Qt has printed a warning that is not one of the known ones.
 bool hasWarned();
@@ -49,6 +50,46 @@ QString told(QEvent::Type type, const QPoint& pos, Qt::MouseButton button)
     return QString("%1 %2 at %3,%4").arg(name).arg(button).arg(pos.x()).arg(pos.y());
 }
 
+bool hasShortcut(const QAbstractButton& button)
+{
+    return !button.shortcut().isEmpty();
+}
+
+// Save, close or done.
+bool isCommand(const QAbstractButton& button)
+{
+    return !button.isCheckable() && !hasShortcut(button);
+}
+
+/// What a host or a desktop asks of the window.
+struct Request {
+    int weight;
+    const char* name;
+    void (*make)(ScreenCaptureWnd&);
+};
+
+const Request kRequests[] = {
+    {1, "accept", [](auto& w) { w.accept(); }},
+    {1, "reject", [](auto& w) { w.reject(); }},
+    {1, "reset", [](auto& w) { w.reset(); }},
+    {1, "connect to nothing", [](auto& w) { w.connectTo(nullptr, nullptr); }},
+    {4, "undo", [](auto& w) { w.undo(); }},
+    {4, "redo", [](auto& w) { w.redo(); }},
+    {6, "scribbled image", [](auto& w) { w.scribbledImage(); }},
+    {6, "capture image", [](auto& w) { w.captureImage(); }},
+    {1, "close", [](auto& w) { w.close(); }},
+    {3, "hide", [](auto& w) { w.hide(); }},
+    {1, "minimize", [](auto& w) { w.showMinimized(); }},
+    {1, "full screen", [](auto& w) { w.showFullScreen(); }},
+    {8, "show", [](auto& w) { w.showFullDesktop(true); }},
+    {3, "do not show", [](auto& w) { w.showFullDesktop(false); }},
+};
+const Request kRequestsInDialog[] = {
+    {1, "reject", [](auto& w) { w.reject(); }}, {1, "accept", [](auto& w) { w.accept(); }},
+    {1, "close", [](auto& w) { w.close(); }},   {1, "reset", [](auto& w) { w.reset(); }},
+    {1, "save", [](auto& w) { w.save(); }},     {1, "nothing", [](auto&) {}},
+};
+
 /// Translates everything to something longer.
 class Longer : public QTranslator
 {
@@ -73,12 +114,10 @@ auto Monkey::anyOf(const List& list)
 }
 
 template <typename List>
-auto Monkey::weighted(const List& list)
+const auto& Monkey::weighted(const List& list)
 {
-    int total = 0;
-    for (const auto& item : list)
-        total += item.weight;
-    int drawn = below(total);
+    int drawn = below(std::accumulate(std::begin(list), std::end(list), 0,
+                                      [](int sum, const auto& item) { return sum + item.weight; }));
     for (const auto& item : list) {
         drawn -= item.weight;
         if (drawn < 0)
@@ -111,7 +150,7 @@ Monkey::~Monkey()
 
 bool Monkey::isOver() const
 {
-    return m_sent >= m_events || !m_complaint.isEmpty();
+    return s_sent >= m_events || !m_complaint.isEmpty();
 }
 
 void Monkey::play()
@@ -127,20 +166,31 @@ void Monkey::act()
 {
     m_random.seed(m_seed + quint32(++m_actions) * kSeedStep);
     static const Action kActions[] = {
-        {60, &Monkey::drag},        {30, &Monkey::chooseTool}, {25, &Monkey::wander},
-        {25, &Monkey::strikeKey},   {15, &Monkey::undoOrRedo}, {15, &Monkey::pressOrRelease},
-        {10, &Monkey::slide},       {10, &Monkey::pickColour}, {10, &Monkey::pickWidth},
-        {6, &Monkey::pickFontSize}, {6, &Monkey::turnWheel},   {5, &Monkey::rebuildMosaic},
-        {3, &Monkey::askAsHost},    {2, &Monkey::changeFocus}, {2, &Monkey::resize},
-        {2, &Monkey::showOrHide},   {3, &Monkey::command},     {1, &Monkey::doubleClick},
+        {60, &Monkey::drag},
+        {25, &Monkey::wander},
+        {25, &Monkey::strikeKey},
+        {15, &Monkey::pressOrRelease},
+        {10, &Monkey::pickWidth},
+        {6, &Monkey::turnWheel},
+        {5, &Monkey::rebuildMosaic},
+        {5, &Monkey::askAsHost},
+        {2, &Monkey::changeFocus},
+        {2, &Monkey::resize},
+        {1, &Monkey::doubleClick},
         {1, &Monkey::changeWorld},
+        {10, [](Monkey& m) { m.dragAlong(m.anyOf(m.m_window->findChildren<QSlider*>())); }},
+        {10, [](Monkey& m) { m.clickOn(m.m_window->findChild<ColorWidget*>()); }},
+        {6, [](Monkey& m) { m.clickOn(m.m_window->findChild<QComboBox*>()); }},
+        {30, [](Monkey& m) { m.clickAny([](auto& button) { return button.isCheckable(); }); }},
+        {15, [](Monkey& m) { m.clickAny([](auto& button) { return hasShortcut(button); }); }},
+        {3, [](Monkey& m) { m.clickAny([](auto& button) { return isCommand(button); }); }},
     };
     if (!m_window)
         beginCapture();
     else if (ScreenCaptureWndAccess::isIdle(*m_window) && !once(3))
         drag();
     else
-        (this->*weighted(kActions).play)();
+        weighted(kActions).play(*this);
     if (once(3))
         releaseAll();
     settle();
@@ -151,7 +201,7 @@ void Monkey::send(const QString& what, const std::function<void()>& event)
 {
     if (isOver() || !m_window)
         return;
-    s_sent = ++m_sent;
+    s_sent = s_sent + 1;
     m_sending.start();
     ++m_depth;
     event();
@@ -168,7 +218,7 @@ void Monkey::keep(const QString& what)
     if (m_last.size() == kKept)
         m_last.removeFirst();
     m_last << QString("%1: %2; %3")
-                  .arg(m_sent)
+                  .arg(s_sent)
                   .arg(what, m_window ? ScreenCaptureWndAccess::summary(*m_window) : "no window");
 }
 
@@ -355,12 +405,12 @@ void Monkey::releaseAll()
 void Monkey::interfere()
 {
     static const Action kInterferences[] = {
-        {6, &Monkey::strikeKey},  {4, &Monkey::pressOrRelease}, {2, &Monkey::turnWheel},
-        {1, &Monkey::askAsHost},  {1, &Monkey::changeWorld},    {1, &Monkey::changeFocus},
-        {1, &Monkey::showOrHide}, {1, &Monkey::resize},         {1, &Monkey::rebuildMosaic},
+        {6, &Monkey::strikeKey},   {4, &Monkey::pressOrRelease}, {2, &Monkey::turnWheel},
+        {2, &Monkey::askAsHost},   {1, &Monkey::changeWorld},    {1, &Monkey::resize},
+        {1, &Monkey::changeFocus}, {1, &Monkey::rebuildMosaic},
     };
     if (m_window && once(60))
-        (this->*weighted(kInterferences).play)();
+        weighted(kInterferences).play(*this);
 }
 
 void Monkey::clickAt(QWidget* widget, const QPoint& pos)
@@ -423,21 +473,15 @@ void Monkey::pressOrRelease()
         press(button);
 }
 
-void Monkey::chooseTool()
+void Monkey::clickAny(bool (*wanted)(const QAbstractButton& button))
 {
-    const QList<QAbstractButton*> buttons = m_window->findChildren<QAbstractButton*>();
-    QList<QAbstractButton*> tools;
-    for (QAbstractButton* button : buttons) {
-        if (button->isCheckable())
-            tools << button;
+    QList<QAbstractButton*> buttons;
+    for (QAbstractButton* button : m_window->findChildren<QAbstractButton*>()) {
+        if (wanted(*button))
+            buttons << button;
     }
-    if (!tools.isEmpty())
-        clickOn(anyOf(tools));
-}
-
-void Monkey::pickColour()
-{
-    clickOn(m_window->findChild<ColorWidget*>());
+    if (!buttons.isEmpty())
+        clickOn(anyOf(buttons));
 }
 
 void Monkey::pickWidth()
@@ -449,45 +493,9 @@ void Monkey::pickWidth()
         dragAlong(picker->findChild<QSlider*>());
 }
 
-QSlider* Monkey::anySlider()
-{
-    const QList<QSlider*> sliders = m_window->findChildren<QSlider*>();
-    return anyOf(sliders);
-}
-
-void Monkey::slide()
-{
-    dragAlong(anySlider());
-}
-
-void Monkey::pickFontSize()
-{
-    clickOn(m_window->findChild<QComboBox*>());
-}
-
-void Monkey::undoOrRedo()
-{
-    const bool redo = once(2);
-    for (QAbstractButton* button : m_window->findChildren<QAbstractButton*>()) {
-        if (button->shortcut() == QKeySequence(redo ? QKeySequence::Redo : QKeySequence::Undo))
-            return clickOn(button);
-    }
-}
-
-// Save, close or done.
-void Monkey::command()
-{
-    QList<QAbstractButton*> commands;
-    for (QAbstractButton* button : m_window->findChildren<QAbstractButton*>()) {
-        if (!button->isCheckable() && button->shortcut().isEmpty())
-            commands << button;
-    }
-    clickOn(anyOf(commands));
-}
-
 void Monkey::strikeKey()
 {
-    const Keystroke stroke = weighted(kKeystrokes);
+    const Keystroke& stroke = weighted(kKeystrokes);
     const bool toFocus = !once(10);
     const bool repeated = once(10);
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
@@ -530,31 +538,8 @@ void Monkey::doubleClick()
 
 void Monkey::askAsHost()
 {
-    const int question = below(24);
-    send(QString("host %1").arg(question), [this, question] {
-        switch (question) {
-        case 0:
-            return m_window->accept();
-        case 1:
-            return m_window->reject();
-        case 2:
-            return m_window->reset();
-        case 3:
-            return m_window->connectTo(nullptr, nullptr);
-        case 4:
-            return m_window->showFullDesktop(once(2));
-        default:
-            break;
-        }
-        if (question < 8)
-            m_window->undo();
-        else if (question < 12)
-            m_window->redo();
-        else if (question < 18)
-            m_window->scribbledImage();
-        else
-            m_window->captureImage();
-    });
+    const Request& request = weighted(kRequests);
+    send(request.name, [&] { request.make(*m_window); });
 }
 
 void Monkey::changeWorld()
@@ -603,23 +588,6 @@ void Monkey::resize()
     });
 }
 
-void Monkey::showOrHide()
-{
-    const int what = below(12);
-    send(QString("show or hide %1").arg(what), [this, what] {
-        if (what == 0)
-            m_window->close();
-        else if (what < 3)
-            m_window->hide();
-        else if (what == 3)
-            m_window->showMinimized();
-        else if (what == 4)
-            m_window->showFullScreen();
-        else
-            m_window->showFullDesktop(!once(4));
-    });
-}
-
 // What the canvas's timer does, at a moment that the seed decides.
 void Monkey::rebuildMosaic()
 {
@@ -648,28 +616,12 @@ void Monkey::answer(QFileDialog* dialog)
     const QPointer<QDialog> open(dialog);
     const char* const suffixes[] = {".png", ".jpg", ".bmp", "", ".xyz"};
     const QString name = m_directory.filePath(QString::number(below(20)) + anyOf(suffixes));
-    switch (below(8)) {
-    case 0:
-        send("reject in the dialog", [this] { m_window->reject(); });
-        break;
-    case 1:
-        send("accept in the dialog", [this] { m_window->accept(); });
-        break;
-    case 2:
-        send("close in the dialog", [this] { m_window->close(); });
-        break;
-    case 3:
-        send("reset in the dialog", [this] { m_window->reset(); });
-        break;
-    case 4:
-        send("save in the dialog", [this] { m_window->save(); });
-        break;
-    case 5:
-        break;
-    default:
+    if (once(4)) {
         dialog->findChild<QLineEdit*>()->setText(name);
         open->done(QDialog::Accepted);
-        break;
+    } else {
+        const Request& request = anyOf(kRequestsInDialog);
+        send(QString("in the dialog: ") + request.name, [&] { request.make(*m_window); });
     }
     if (open)
         open->reject();

@@ -11,8 +11,8 @@
 #include <QTranslator>
 #include <functional>
 
+class QAbstractButton;
 class QFileDialog;
-class QSlider;
 class ScreenCaptureWnd;
 
 /// Plays with the capture window: mouse, wheel, keys, every button and picker, what a host and what
@@ -49,7 +49,7 @@ private slots:
 private:
     struct Action {
         int weight;
-        void (Monkey::*play)();
+        std::function<void(Monkey&)> play;
     };
 
     bool isOver() const;
@@ -59,7 +59,7 @@ private:
     template <typename List>
     auto anyOf(const List& list);
     template <typename List>
-    auto weighted(const List& list);
+    const auto& weighted(const List& list);
 
     void act();
     void send(const QString& what, const std::function<void()>& event);
@@ -82,20 +82,14 @@ private:
     void releaseAll();
     void interfere();
     void clickOn(QWidget* widget);
+    void clickAny(bool (*wanted)(const QAbstractButton& button));
     void clickAt(QWidget* widget, const QPoint& pos);
     void dragAlong(QWidget* widget);
-    QSlider* anySlider();
 
     void drag();
     void wander();
     void pressOrRelease();
-    void chooseTool();
-    void pickColour();
     void pickWidth();
-    void slide();
-    void pickFontSize();
-    void undoOrRedo();
-    void command();
     void strikeKey();
     void turnWheel();
     void doubleClick();
@@ -104,7 +98,6 @@ private:
     void changeLanguage();
     void changeFocus();
     void resize();
-    void showOrHide();
     void rebuildMosaic();
 
     void answer(QFileDialog* dialog);
@@ -113,7 +106,6 @@ private:
     quint32 m_seed;
     int m_events;
     int m_actions = 0;
-    int m_sent = 0;
     int m_depth = 0;
     int m_captures = 0;
     int m_dialogs = 0;
