@@ -22,12 +22,9 @@ begin() {
     "$host" --once "$@" >"$scratch/out" 2>"$scratch/err" &
     pid=$!
     timeout 60 xdotool search --sync --onlyvisible --class capture-host >/dev/null
-    for ((i = 0; i < 200; i++)); do
-        "$im" import -silent -window root "$scratch/now.png"
-        [ "$("$im" compare -metric AE "$scratch/now.png" "$scratch/screen.png" null: 2>&1)" = 0 ] || return
-    done
-    problem "no overlay on the screen"
+    await screen_is_covered
 }
+screen_is_covered() { ! same "$scratch/now.png" "$scratch/screen.png"; }
 
 # drag_region: from 200,150 to 499,349, with the pointer elsewhere in now.png. Waits until the
 # release has put the loupe away: while a window manager holds the pointer for a click, the X server
@@ -35,12 +32,11 @@ begin() {
 drag_region() {
     cp "$scratch/now.png" "$scratch/idle.png"
     xdotool mousemove 200 150 mousedown 1 mousemove 300 200 mousemove 499 349 mouseup 1
-    for ((i = 0; i < 200; i++)); do
-        "$im" import -silent -window root "$scratch/now.png"
-        same "$scratch/now.png" "$scratch/screen.png" 200x100+250+200 &&
-            same "$scratch/now.png" "$scratch/idle.png" 80x80+505+375 && return
-    done
-    problem "the region does not stand"
+    await region_stands
+}
+region_stands() {
+    same "$scratch/now.png" "$scratch/screen.png" 200x100+250+200 &&
+        same "$scratch/now.png" "$scratch/idle.png" 80x80+505+375
 }
 
 # end NAME WANTED: waits for the host and checks how it ended.
