@@ -351,8 +351,7 @@ void ScreenCaptureWnd::dragSelection(const QPoint& pos)
 {
     m_rectCapture->setRect(QRect(m_pressPos, pos).normalized());
     const QRect region = m_rectCapture->rect();
-    if (qAbs(region.width()) < kRubberBandShowsFromPx &&
-        qAbs(region.height()) < kRubberBandShowsFromPx)
+    if (region.width() < kRubberBandShowsFromPx && region.height() < kRubberBandShowsFromPx)
         return;
     m_rectCapture->setVisible(true);
     if (!m_grabWindowRect.isNull()) {
