@@ -65,6 +65,7 @@ private slots:
     void endsBeforeItWasShown_data();
     void endsBeforeItWasShown();
     void otherButtonsDoNotFinishByDoubleClick();
+    void doubleClickReachesTheCanvas();
 
     void quitsInItsSlot();
     void quitsInTheMiddle_data();
@@ -205,6 +206,16 @@ void tst_ScreenCaptureWnd_ending::otherButtonsDoNotFinishByDoubleClick()
     m_capture->doubleClick(kOutside, Qt::RightButton);
     m_capture->doubleClick(kOutside, Qt::MiddleButton);
     QVERIFY(window()->isVisible());
+}
+
+// Intended: although it has finished the capture.
+void tst_ScreenCaptureWnd_ending::doubleClickReachesTheCanvas()
+{
+    m_capture->choose(Scribble);
+    const ScribbleArea& canvas = *m_capture->canvas();
+    Mouse(m_capture->canvas()).doubleClick(QPoint(20, 20));
+    QVERIFY(!window()->isVisible());
+    QVERIFY(ScribbleAreaAccess::scribbling(canvas));
 }
 
 void tst_ScreenCaptureWnd_ending::quitsInItsSlot()

@@ -387,6 +387,11 @@ void tst_ScreenCaptureWnd_selecting::startsOver_data()
         mouse.move(QPoint(90, 80));
         c.window()->undo();
     });
+    row("undo of the first shape in its frame", [](const Probe& c) {
+        c.choose(Rectangle);
+        c.stroke(QPoint(10, 10), QPoint(50, 50));
+        c.window()->undo();
+    });
     row("right click while annotating", [](const Probe& c) {
         c.choose(Rectangle);
         c.stroke(QPoint(10, 10), QPoint(50, 50));

@@ -118,6 +118,14 @@ void tst_ScribbleArea_text::typedTextIsRenderedAsItLooks_data()
         QTest::keyClick(canvas.textBox(), Qt::Key_Backspace);
         canvas.type("two");
     });
+    add("colours after an erasure", 20, {{"Ab", Qt::red}, {"cd", Qt::green}},
+        [](TextCanvas& canvas) {
+            canvas.type("o");
+            QTest::keyClick(canvas.textBox(), Qt::Key_Backspace);
+            canvas.type("Ab");
+            canvas.setTextColor(Qt::green);
+            canvas.type("cd");
+        });
 }
 
 void tst_ScribbleArea_text::typedTextIsRenderedAsItLooks()

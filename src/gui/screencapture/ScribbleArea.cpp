@@ -466,8 +466,16 @@ void ScribbleArea::initTextEdit()
     // The context menu would inherit the transparent style sheet and be unreadable.
     m_textEdit->setContextMenuPolicy(Qt::NoContextMenu);
     m_textEdit->setStyleSheet(style::kTransparent);
+    connect(m_textEdit, &QTextEdit::textChanged, this, &ScribbleArea::keepTextColor);
     placeTextEdit();
     m_textEdit->hide();
+}
+
+// An emptied QTextDocument has lost its character format.
+void ScribbleArea::keepTextColor()
+{
+    if (m_textColor.isValid() && m_textEdit->document()->isEmpty())
+        m_textEdit->setTextColor(m_textColor);
 }
 
 void ScribbleArea::ensureTextEdit()
@@ -497,11 +505,8 @@ void ScribbleArea::setTextFontSize(int size)
 void ScribbleArea::setTextColor(const QColor& color)
 {
     ensureTextEdit();
+    m_textColor = color;
     m_textEdit->setTextColor(color);
-    // An emptied text box takes its colour from the palette.
-    QPalette palette = m_textEdit->palette();
-    palette.setColor(QPalette::Text, color);
-    m_textEdit->setPalette(palette);
     m_textEdit->update();
 }
 

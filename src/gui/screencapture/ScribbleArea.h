@@ -130,6 +130,7 @@ private:
     void initTextEdit();
     void ensureTextEdit();
     void placeTextEdit();
+    void keepTextColor();
     void startText();
     bool drawText();
 
@@ -160,6 +161,7 @@ private:
     /// frameArea() at the last paint event.
     QRect m_paintedFrame;
     QTextEdit* m_textEdit = nullptr;
+    QColor m_textColor;
     int m_graphState = GRAPH_ELLIPSE;
     QMap<GRAPH_STATE, QPen> m_graphPens;
     QImage m_diffImage;
