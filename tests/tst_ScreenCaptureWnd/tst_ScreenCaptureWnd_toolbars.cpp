@@ -117,6 +117,7 @@ private slots:
     void blurPanelHasALabelAndASlider();
     void commandsDoWhatTheirSlotsDo_data();
     void commandsDoWhatTheirSlotsDo();
+    void everyToolHasAnIconOfItsOwn();
     void everyControlHasATranslatedName();
 
     void barsKeepTheirSizesUnderAStyleSheet_data();
@@ -344,6 +345,17 @@ void tst_ScreenCaptureWnd_toolbars::commandsDoWhatTheirSlotsDo()
 }
 
 // To assistive tools the name of a combo box is its value here.
+void tst_ScreenCaptureWnd_toolbars::everyToolHasAnIconOfItsOwn()
+{
+    QVector<QImage> icons;
+    for (const MainItem tool : kTools) {
+        const QImage icon = m_capture->button(tool)->icon().pixmap(16, 16).toImage();
+        QVERIFY2(!icon.isNull(), nameOf(tool));
+        QVERIFY2(!icons.contains(icon), nameOf(tool));
+        icons << icon;
+    }
+}
+
 void tst_ScreenCaptureWnd_toolbars::everyControlHasATranslatedName()
 {
     Brackets brackets;
