@@ -12,7 +12,7 @@ constexpr QColor kDim(0, 0, 0, 100);
 constexpr qreal kHighlightLinePx = 4.0;
 constexpr QSize kHighlightInsetPx(4, 4);
 
-// What of the region its picture covers all of; null where the dimmed desktop shows through.
+// Returns the region if its picture covers it; null if the dimmed desktop shows through.
 QRect coveredByRegion(const overlay::Scene& scene)
 {
     const QRect picture =
