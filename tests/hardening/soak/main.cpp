@@ -2,8 +2,8 @@
 // Takes one capture after the other, each with every tool, and looks whether anything grows:
 //   soak [--captures N]
 #include "BehaviourTest.h"
-#include "Holdings.h"
 #include "CaptureProbe.h"
+#include "Holdings.h"
 #include "ScreenCaptureTool.h"
 
 #include <QFileDialog>
