@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+#include <QtMath>
+
+/// The physical pixels under rectangles in widget coordinates, of which each is `ratio` pixels wide
+/// and high. At a ratio of 1 every rectangle stays as it is.
+namespace pixels
+{
+
+/// The edge between two physical pixels that is nearest to an edge in widget coordinates.
+inline int nearestEdge(qreal edge, qreal ratio)
+{
+    return qFloor(edge * ratio + 0.5);
+}
+
+/// The physical pixels that the edges of `rect` enclose, each edge rounded to the nearest.
+/// Rectangles that touch each other do so here, too: without a seam, and without an overlap.
+inline QRect nearest(const QRect& rect, qreal ratio)
+{
+    const QPoint topLeft(nearestEdge(rect.left(), ratio), nearestEdge(rect.top(), ratio));
+    const QPoint end(nearestEdge(rect.right() + 1.0, ratio),
+                     nearestEdge(rect.bottom() + 1.0, ratio));
+    return {topLeft, end - QPoint(1, 1)};
+}
+
+/// All physical pixels that `rect` touches. None where it is empty.
+inline QRect outward(const QRect& rect, qreal ratio)
+{
+    if (rect.isEmpty())
+        return nearest(rect, ratio);
+    const QPoint topLeft(qFloor(rect.left() * ratio), qFloor(rect.top() * ratio));
+    const QPoint end(qCeil((rect.right() + 1.0) * ratio), qCeil((rect.bottom() + 1.0) * ratio));
+    return {topLeft, end - QPoint(1, 1)};
+}
+
+} // namespace pixels
