@@ -4,6 +4,7 @@
 #include "MagnifierWidget.h"
 #include "MosaicPixels.h"
 #include "OverlayGeometry.h"
+#include "OverlayKeeper.h"
 #include "OverlayPainting.h"
 #include "ResizableRect.h"
 #include "ScribbleArea.h"
@@ -106,6 +107,7 @@ ScreenCaptureWnd::~ScreenCaptureWnd()
         dialog->setParent(nullptr);
         dialog->reject();
     }
+    delete m_keeper;
     delete m_desktopImage;
 }
 
@@ -142,6 +144,8 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
     if (full != m_fullDesktop) {
         if (full)
             m_normalGeometry = geometry();
+        // No window manager lets a window that it manages cover panels and every screen.
+        setWindowFlag(Qt::X11BypassWindowManagerHint, full);
         setGeometry(full ? QApplication::desktop()->geometry() : m_normalGeometry);
         m_fullDesktop = full;
     }
@@ -267,9 +271,19 @@ void ScreenCaptureWnd::reject()
 // A host that keeps the window takes another capture by showing it again.
 void ScreenCaptureWnd::showEvent(QShowEvent* event)
 {
-    if (!event->spontaneous())
+    if (!event->spontaneous()) {
         m_ended = false;
+        if (m_fullDesktop)
+            m_keeper = new OverlayKeeper(windowHandle());
+    }
     QDialog::showEvent(event);
+}
+
+void ScreenCaptureWnd::hideEvent(QHideEvent* event)
+{
+    if (!event->spontaneous())
+        delete qExchange(m_keeper, nullptr);
+    QDialog::hideEvent(event);
 }
 
 // QDialog::closeEvent() rejects only a visible dialog. A host that hid the window before closing it

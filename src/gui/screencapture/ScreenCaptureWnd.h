@@ -12,6 +12,7 @@
 
 class ColorWidget;
 class MagnifierWidget;
+class OverlayKeeper;
 class PenWidthWidget;
 class QAbstractButton;
 class QComboBox;
@@ -122,6 +123,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     /// \endcond
 
@@ -196,6 +198,7 @@ private:
     QRect m_grabWindowRect;
     MagnifierWidget* m_magnifier = nullptr;
     bool m_fullDesktop = false;
+    OverlayKeeper* m_keeper = nullptr;
     QRect m_normalGeometry;
     bool m_ended = false;
 

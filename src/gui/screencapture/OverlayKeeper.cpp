@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+#include "OverlayKeeper.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QSocketNotifier>
+#include <QWindow>
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+namespace
+{
+
+// Another program that takes the keyboard back each time is not answered more often than that.
+constexpr int kPauseMs = 100;
+
+constexpr std::uint8_t kSentEventBit = 0x80;
+
+template <typename Reply>
+std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply)
+{
+    return {reply, &std::free};
+}
+
+QWindow* ownWindow(xcb_window_t id)
+{
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        if (window->handle() && window->winId() == id)
+            return window;
+    }
+    return nullptr;
+}
+
+bool isDialog(const QWindow* window)
+{
+    return window && (window->type() == Qt::Dialog || window->modality() != Qt::NonModal);
+}
+
+// Menus, lists and tool tips are never managed.
+bool standsAboveOverlay(const QWindow* window)
+{
+    return isDialog(window) ||
+           (window && (window->type() == Qt::Popup || window->type() == Qt::ToolTip));
+}
+
+// To be called while the window is hidden: the X server has a window manager manage a window or not
+// when the window appears.
+void leaveUnmanagedUntilHidden(QWindow* window)
+{
+    const Qt::WindowFlags flags = window->flags();
+    if (flags & Qt::BypassWindowManagerHint)
+        return;
+    window->setFlags(flags | Qt::BypassWindowManagerHint);
+    auto* once = new QObject(window);
+    QObject::connect(window, &QWindow::visibleChanged, once, [window, flags, once](bool visible) {
+        if (visible)
+            return;
+        window->setFlags(flags);
+        once->deleteLater();
+    });
+}
+
+/// The windows of a display, from the lowest to the highest.
+std::vector<xcb_window_t> windowsFromBelow(xcb_connection_t* connection, xcb_window_t root)
+{
+    const auto tree =
+        owned(xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr));
+    if (!tree)
+        return {};
+    const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+    return {first, first + xcb_query_tree_children_length(tree.get())};
+}
+
+} // namespace
+
+// A connection of its own leaves Qt's event handling alone.
+OverlayKeeper::OverlayKeeper(QWindow* overlay)
+    : m_overlay(overlay)
+{
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        return;
+    m_connection = xcb_connect(nullptr, nullptr);
+    if (xcb_connection_has_error(m_connection))
+        return;
+    m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
+    m_formerFocus = focus();
+    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection, m_root, XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(m_connection);
+
+    auto* notifier =
+        new QSocketNotifier(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, &OverlayKeeper::readEvents);
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(kPauseMs);
+    connect(&m_pause, &QTimer::timeout, this, [this] {
+        keepKeyboard();
+        readEvents();
+    });
+    qApp->installEventFilter(this);
+}
+
+OverlayKeeper::~OverlayKeeper()
+{
+    if (!m_connection)
+        return;
+    if (m_formerFocus)
+        giveFocus(m_formerFocus);
+    xcb_disconnect(m_connection);
+}
+
+bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* window = event->type() == QEvent::Show ? qobject_cast<QWindow*>(watched) : nullptr;
+    if (window != m_overlay && isDialog(window))
+        leaveUnmanagedUntilHidden(window);
+    return QObject::eventFilter(watched, event);
+}
+
+void OverlayKeeper::readEvents()
+{
+    while (const auto event = owned(xcb_poll_for_event(m_connection)))
+        handle(*event);
+}
+
+void OverlayKeeper::handle(const xcb_generic_event_t& event)
+{
+    switch (event.response_type & ~kSentEventBit) {
+    case XCB_MAP_NOTIFY:
+        windowAppeared(reinterpret_cast<const xcb_map_notify_event_t&>(event));
+        break;
+    case XCB_UNMAP_NOTIFY:
+    case XCB_FOCUS_OUT:
+        keepKeyboard();
+        break;
+    default:
+        break;
+    }
+}
+
+// The candidates of an input method are in an unmanaged window, too, and have to be seen.
+void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
+{
+    const QWindow* window = ownWindow(event.window);
+    if (window == m_overlay) {
+        const std::uint32_t mask = XCB_EVENT_MASK_FOCUS_CHANGE;
+        xcb_change_window_attributes(m_connection, event.window, XCB_CW_EVENT_MASK, &mask);
+        keepKeyboard();
+    } else if (isDialog(window)) {
+        giveFocus(event.window);
+    } else if (!event.override_redirect) {
+        keepAbove();
+    }
+}
+
+void OverlayKeeper::keepAbove()
+{
+    raise(static_cast<xcb_window_t>(m_overlay->winId()));
+    for (const xcb_window_t id : windowsFromBelow(m_connection, m_root)) {
+        if (standsAboveOverlay(ownWindow(id)))
+            raise(id);
+    }
+    xcb_flush(m_connection);
+}
+
+// The overlay has the keyboard, or a dialog; the highest one, where another program has it.
+void OverlayKeeper::keepKeyboard()
+{
+    const QWindow* holder = ownWindow(focus());
+    if (m_pause.isActive() || holder == m_overlay || isDialog(holder))
+        return;
+    auto heir = static_cast<xcb_window_t>(m_overlay->winId());
+    for (const xcb_window_t id : windowsFromBelow(m_connection, m_root)) {
+        const QWindow* window = ownWindow(id);
+        if (isDialog(window) && window->isVisible())
+            heir = id;
+    }
+    giveFocus(heir);
+    m_pause.start();
+}
+
+xcb_window_t OverlayKeeper::focus() const
+{
+    const auto reply =
+        owned(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    return reply ? reply->focus : XCB_NONE;
+}
+
+void OverlayKeeper::giveFocus(xcb_window_t id)
+{
+    xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_PARENT, id, XCB_CURRENT_TIME);
+    xcb_flush(m_connection);
+}
+
+void OverlayKeeper::raise(xcb_window_t id)
+{
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(m_connection, id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+
+#include <xcb/xcb.h>
+
+class QWindow;
+
+/// Keeps a window that no X11 window manager manages above all others, and gives it the keyboard
+/// until the keeper is destroyed.
+///
+/// A window manager does both for the windows that it manages, but lets none of them cover every
+/// screen. The keeper also looks after the dialogs that the application opens in the meantime:
+/// these are not managed either, stand above the overlay and have the keyboard until they are
+/// hidden. All other windows stay below. Nothing is grabbed, so nothing outlives a process that is
+/// killed.
+///
+/// GUI thread only. Does nothing on other platforms than X11.
+class OverlayKeeper : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// To be created before `overlay` is shown, while another window still has the keyboard. The
+    /// overlay is not owned, and must outlive the keeper.
+    explicit OverlayKeeper(QWindow* overlay);
+
+    /// Gives the keyboard back to the window that had it.
+    ~OverlayKeeper() override;
+
+    /// \cond
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    /// \endcond
+
+private:
+    void readEvents();
+    void handle(const xcb_generic_event_t& event);
+    void windowAppeared(const xcb_map_notify_event_t& event);
+    void keepAbove();
+    void keepKeyboard();
+    xcb_window_t focus() const;
+    void giveFocus(xcb_window_t id);
+    void raise(xcb_window_t id);
+
+    QWindow* m_overlay;
+    xcb_connection_t* m_connection = nullptr;
+    xcb_window_t m_root = XCB_NONE;
+    xcb_window_t m_formerFocus = XCB_NONE;
+    QTimer m_pause;
+
+    Q_DISABLE_COPY(OverlayKeeper)
+};
