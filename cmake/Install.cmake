@@ -52,6 +52,7 @@ file(RELATIVE_PATH prefix_from_pkgconfig
     /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 if(NOT BUILD_SHARED_LIBS)
     set(static_definition -DSCREENCAPTURE_STATIC)
+    set(static_libraries " -lxcb")
 endif()
 configure_file(cmake/screencapture.pc.in screencapture.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/screencapture.pc

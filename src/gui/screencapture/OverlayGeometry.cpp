@@ -3,6 +3,8 @@
 
 #include "ResizableRect.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -38,12 +40,26 @@ QPoint loupePos(const QPoint& cursor, const QSize& window)
     return {x, y};
 }
 
-QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, const QRect& window)
+QRect nearest(const QPoint& p, const QVector<QRect>& screens)
+{
+    const auto distance = [&p](const QRect& screen) {
+        const int x = qBound(screen.left(), p.x(), screen.right());
+        const int y = qBound(screen.top(), p.y(), screen.bottom());
+        return (p - QPoint(x, y)).manhattanLength();
+    };
+    return *std::min_element(
+        screens.begin(), screens.end(),
+        [&distance](const QRect& a, const QRect& b) { return distance(a) < distance(b); });
+}
+
+QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, const QRect& screen)
 {
     const int needed = bar.height() + extraHeight + kToolBarGapPx;
-    const bool roomBelow = region.bottom() + needed <= window.bottom();
-    const int y = roomBelow ? region.bottom() + kToolBarGapPx : qMax(0, region.top() - needed);
-    return {qMax(0, region.right() - bar.width()), y};
+    const bool roomBelow = region.bottom() + needed <= screen.bottom();
+    const int x = region.right() - bar.width();
+    const int y = roomBelow ? region.bottom() + kToolBarGapPx : region.top() - needed;
+    return {qBound(screen.left(), x, screen.right() + 1 - bar.width()),
+            qBound(screen.top(), y, screen.bottom() + 1 - bar.height())};
 }
 
 } // namespace overlay

@@ -4,6 +4,7 @@
 #include <QPoint>
 #include <QRect>
 #include <QSize>
+#include <QVector>
 
 /// Geometry of the capture window: pure functions of rectangles and points in window coordinates
 /// (pixels).
@@ -26,8 +27,12 @@ QRect loupeSource(const QPoint& p);
 /// on which the window has no room.
 QPoint loupePos(const QPoint& cursor, const QSize& window);
 
+/// Returns the one of `screens` that contains `p`, or the nearest one. There is at least one.
+QRect nearest(const QPoint& p, const QVector<QRect>& screens);
+
 /// Returns the main tool bar's top-left corner: under the region, right edges aligned, or above it
-/// where the window has no room for the bar, `extraHeight` and a gap.
-QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, const QRect& window);
+/// where the screen has no room for the bar, `extraHeight` and a gap. The bar never leaves `screen`,
+/// the one on which the region's bottom-right corner is.
+QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, const QRect& screen);
 
 } // namespace overlay

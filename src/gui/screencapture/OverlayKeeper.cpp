@@ -106,8 +106,11 @@ OverlayKeeper::~OverlayKeeper()
 {
     if (!m_connection)
         return;
-    if (m_formerFocus)
+    if (m_formerFocus) {
         giveFocus(m_formerFocus);
+        // The server drops what it has not read yet when a client goes away: wait until it has.
+        focus();
+    }
     xcb_disconnect(m_connection);
 }
 

@@ -12,24 +12,29 @@ constexpr QColor kDim(0, 0, 0, 100);
 constexpr qreal kHighlightLinePx = 4.0;
 constexpr QSize kHighlightInsetPx(4, 4);
 
+QRect desktopRect(const overlay::Scene& scene)
+{
+    return {scene.desktopPos, scene.desktop.size()};
+}
+
 // Returns the region if its picture covers it; null if the dimmed desktop shows through.
 QRect coveredByRegion(const overlay::Scene& scene)
 {
     const QRect picture =
-        scene.canvas ? QRect(scene.region.topLeft(), scene.canvas->size()) : scene.desktop.rect();
+        scene.canvas ? QRect(scene.region.topLeft(), scene.canvas->size()) : desktopRect(scene);
     return picture.contains(scene.region & scene.window) ? scene.region : QRect();
 }
 
 void paintDimmed(QPainter& painter, const overlay::Scene& scene, const QRect& area)
 {
     const QImage& dimmed = scene.dimmedDesktop;
-    if (dimmed.devicePixelRatio() == 1 && dimmed.rect().contains(area)) {
-        painter.drawImage(area.topLeft(), dimmed, area);
+    if (dimmed.devicePixelRatio() == 1 && desktopRect(scene).contains(area)) {
+        painter.drawImage(area.topLeft(), dimmed, area.translated(-scene.desktopPos));
         return;
     }
     painter.save();
     painter.setClipRect(area, Qt::IntersectClip);
-    painter.drawImage(0, 0, scene.desktop);
+    painter.drawImage(scene.desktopPos, scene.desktop);
     painter.fillRect(area, kDim);
     painter.restore();
 }
@@ -40,10 +45,10 @@ void paintBright(QPainter& painter, const overlay::Scene& scene, const QRect& ar
     const QRect shown = area & scene.window;
     if (shown.isEmpty())
         return;
-    if (scene.desktop.rect().contains(shown))
-        painter.drawImage(shown.topLeft(), scene.desktop, shown);
+    if (desktopRect(scene).contains(shown))
+        painter.drawImage(shown.topLeft(), scene.desktop, shown.translated(-scene.desktopPos));
     else
-        painter.drawImage(area.topLeft(), scene.desktop.copy(area));
+        painter.drawImage(area.topLeft(), scene.desktop.copy(area.translated(-scene.desktopPos)));
 }
 
 } // namespace

@@ -19,6 +19,8 @@ struct Scene {
     QImage desktop;
     /// dimmed(desktop), made once so that painting only copies.
     QImage dimmedDesktop;
+    /// Where the top-left pixel of both is.
+    QPoint desktopPos;
     /// The window, at (0, 0).
     QRect window;
     /// Where the desktop is bright; null where no region is visible.

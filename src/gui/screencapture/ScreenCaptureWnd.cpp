@@ -20,6 +20,7 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QShowEvent>
 
@@ -35,14 +36,13 @@ QImage in8BitsPerChannel(const QImage& image)
     return mosaic::holdsQRgb(image) ? image : image.convertToFormat(QImage::Format_RGB32);
 }
 
-QImage grabbedDesktop()
+QImage grabbedDesktop(const QRect& area)
 {
-    const QDesktopWidget* desktop = QApplication::desktop();
-    const QSize size = desktop->geometry().size();
     QScreen* screen = QGuiApplication::primaryScreen();
     if (!screen)
         return {};
-    const QPixmap grabbed = screen->grabWindow(desktop->winId(), 0, 0, size.width(), size.height());
+    const QPixmap grabbed = screen->grabWindow(QApplication::desktop()->winId(), area.x(), area.y(),
+                                               area.width(), area.height());
     return in8BitsPerChannel(grabbed.toImage());
 }
 
@@ -64,8 +64,13 @@ MagnifierWidget* createMagnifier(QWidget* window)
     return magnifier;
 }
 
+// A dialog of the platform's may be another program's window, which would open below the overlay.
 QString askForFileName(QWidget* parent)
 {
+    const bool wasPlatforms = !QCoreApplication::testAttribute(Qt::AA_DontUseNativeDialogs);
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    const auto restore = qScopeGuard(
+        [=] { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, !wasPlatforms); });
     const QString suggested = QDir::currentPath() + QStringLiteral("/untitled");
     QString selected = ScreenCaptureWnd::tr("PNG (*.png)");
     return QFileDialog::getSaveFileName(
@@ -96,6 +101,10 @@ ScreenCaptureWnd::ScreenCaptureWnd()
     setFocusPolicy(Qt::TabFocus);
     // Nothing else ends the capture when the application quits during it.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &ScreenCaptureWnd::reject);
+    connect(qApp, &QGuiApplication::screenAdded, this, &ScreenCaptureWnd::cancelIfShown);
+    connect(qApp, &QGuiApplication::screenRemoved, this, &ScreenCaptureWnd::cancelIfShown);
+    for (const QScreen* screen : QGuiApplication::screens())
+        connect(screen, &QScreen::geometryChanged, this, &ScreenCaptureWnd::cancelIfShown);
     init();
 }
 
@@ -117,7 +126,8 @@ void ScreenCaptureWnd::init()
     Q_INIT_RESOURCE(scribble);
     setCursor(QCursor(QPixmap(":/scribble/cursor.png"), 0, 0));
     // The only grab of a capture: region, loupe and dimmed surround are all cut from this picture.
-    m_desktopImage = new QImage(grabbedDesktop());
+    m_desktopGeometry = QApplication::desktop()->geometry();
+    m_desktopImage = new QImage(grabbedDesktop(m_desktopGeometry));
     m_dimmedImage = overlay::dimmed(*m_desktopImage);
     m_rectCapture = createCaptureRect(this);
     m_magnifier = createMagnifier(this);
@@ -153,11 +163,26 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
     activateWindow();
 }
 
+// The picture shows screens that are no longer where they were.
+void ScreenCaptureWnd::cancelIfShown()
+{
+    if (isVisible())
+        reject();
+}
+
 // A null region has no pixels, but QImage::copy() of a null rectangle copies the whole desktop.
 QImage ScreenCaptureWnd::captureImage() const
 {
     const QRect region = m_rectCapture->rect();
-    return m_rectCapture->isVisible() && !region.isNull() ? m_desktopImage->copy(region) : QImage();
+    if (!m_rectCapture->isVisible() || region.isNull())
+        return {};
+    return m_desktopImage->copy(region.translated(-desktopPos()));
+}
+
+// A window manager may have put the window elsewhere than asked.
+QPoint ScreenCaptureWnd::desktopPos() const
+{
+    return m_desktopGeometry.topLeft() - mapToGlobal(QPoint());
 }
 
 // After a reset the canvas holds nothing of the region that stands now.
@@ -415,7 +440,7 @@ void ScreenCaptureWnd::mouseDoubleClickEvent(QMouseEvent* event)
 void ScreenCaptureWnd::updateMagnifier(const QPoint& pos)
 {
     const QPoint p = overlay::pointOfInterest(pos, draggedSection(), m_rectCapture->rect());
-    m_magnifier->setOrigImage(m_desktopImage->copy(overlay::loupeSource(p)));
+    m_magnifier->setOrigImage(m_desktopImage->copy(overlay::loupeSource(p - desktopPos())));
     m_magnifier->move(overlay::loupePos(pos, size()));
 }
 
@@ -454,17 +479,30 @@ void ScreenCaptureWnd::onCaptureRectChanged(const QRect& rect)
     updateMainToolBarPos(0);
 }
 
+// The screen, in window coordinates, on which `p` is, or the nearest to it.
+QRect ScreenCaptureWnd::screenAt(const QPoint& p) const
+{
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    if (screens.size() < 2)
+        return rect();
+    QVector<QRect> areas;
+    for (const QScreen* screen : screens)
+        areas << screen->geometry().translated(-mapToGlobal(QPoint()));
+    return overlay::nearest(p, areas);
+}
+
 void ScreenCaptureWnd::updateMainToolBarPos(int extraHeight)
 {
-    m_mainToolBar->move(
-        overlay::mainToolBarPos(m_rectCapture->rect(), m_mainToolBar->size(), extraHeight, rect()));
+    const QRect region = m_rectCapture->rect();
+    m_mainToolBar->move(overlay::mainToolBarPos(region, m_mainToolBar->size(), extraHeight,
+                                                screenAt(region.bottomRight())));
 }
 
 // Paints the rectangles one by one, because in a region of several Qt clips each pixel of a line.
 void ScreenCaptureWnd::paintEvent(QPaintEvent* event)
 {
     const bool regionStands = m_rectCapture->isVisible();
-    overlay::Scene scene{*m_desktopImage, m_dimmedImage, rect(), QRect(), {}};
+    overlay::Scene scene{*m_desktopImage, m_dimmedImage, desktopPos(), rect(), QRect(), {}};
     if (regionStands)
         scene.region = m_rectCapture->rect();
     if (regionStands && m_scribbleArea && m_scribbleArea->isVisible())

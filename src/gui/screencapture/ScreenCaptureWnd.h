@@ -147,11 +147,14 @@ private:
     bool markEnded();
     void deliverAndHide(const QImage& image, bool finished);
     void hideCanvas();
+    QPoint desktopPos() const;
+    void cancelIfShown();
     void updateMagnifier(const QPoint& pos);
     int draggedSection() const;
     void updateMagnifierAtCursor();
     QRect makeGrabWholeWindowRect(const QPoint& globalPos);
     void updateGrabWindowRect(const QPoint& globalPos);
+    QRect screenAt(const QPoint& p) const;
     void updateMainToolBarPos(int extraHeight);
     void updateSubToolBarPos();
 
@@ -175,6 +178,7 @@ private:
     const char* m_member = nullptr;
     QImage* m_desktopImage = nullptr;
     QImage m_dimmedImage;
+    QRect m_desktopGeometry;
     ResizableRect* m_rectCapture = nullptr;
     int m_state = StateIdle;
     QPoint m_pressPos;
