@@ -60,8 +60,9 @@ public:
     /// destroyed in the meantime is forgotten.
     void connectTo(QObject* receiver, const char* member);
 
-    /// Covers the whole virtual desktop, or restores the geometry from before. Shows and activates
-    /// the window in either case.
+    /// Covers the whole virtual desktop, or restores geometry and window flags from before. Shows and
+    /// activates the window in either case. No window manager manages a window that covers the
+    /// desktop (Qt::X11BypassWindowManagerHint).
     void showFullDesktop(bool full);
 
     /// Returns the region, cut from the desktop picture; null while no region is visible.
