@@ -13,8 +13,8 @@
 namespace
 {
 
-// Another program that takes the keyboard back each time is not answered more often than that.
-constexpr int kPauseMs = 100;
+// Another program that takes the keyboard back each time is answered no more often than that.
+constexpr int kPauseMs = 20;
 
 constexpr std::uint8_t kSentEventBit = 0x80;
 
@@ -134,6 +134,9 @@ void OverlayKeeper::handle(const xcb_generic_event_t& event)
     case XCB_MAP_NOTIFY:
         windowAppeared(reinterpret_cast<const xcb_map_notify_event_t&>(event));
         break;
+    case XCB_CONFIGURE_NOTIFY:
+        windowMoved(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
+        break;
     case XCB_UNMAP_NOTIFY:
     case XCB_FOCUS_OUT:
         keepKeyboard();
@@ -143,27 +146,35 @@ void OverlayKeeper::handle(const xcb_generic_event_t& event)
     }
 }
 
-// The candidates of an input method are in an unmanaged window, too, and have to be seen.
 void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
 {
     const QWindow* window = ownWindow(event.window);
     if (window == m_overlay) {
         const std::uint32_t mask = XCB_EVENT_MASK_FOCUS_CHANGE;
         xcb_change_window_attributes(m_connection, event.window, XCB_CW_EVENT_MASK, &mask);
-        keepKeyboard();
+        giveFocus(event.window);
     } else if (isDialog(window)) {
         giveFocus(event.window);
     } else if (!event.override_redirect) {
-        keepAbove();
+        keepAbove(event.window);
     }
 }
 
-void OverlayKeeper::keepAbove()
+// A window manager may raise a window only after it has appeared.
+void OverlayKeeper::windowMoved(const xcb_configure_notify_event_t& event)
 {
-    raise(static_cast<xcb_window_t>(m_overlay->winId()));
+    if (!event.override_redirect)
+        keepAbove(event.window);
+}
+
+// Unmanaged windows may stand above: the candidates of an input method have to be seen.
+void OverlayKeeper::keepAbove(xcb_window_t managed)
+{
+    const auto overlay = static_cast<xcb_window_t>(m_overlay->winId());
+    raiseIfCovered(overlay, managed);
     for (const xcb_window_t id : windowsFromBelow(m_connection, m_root)) {
         if (standsAboveOverlay(ownWindow(id)))
-            raise(id);
+            raiseIfCovered(id, overlay);
     }
     xcb_flush(m_connection);
 }
@@ -191,14 +202,16 @@ xcb_window_t OverlayKeeper::focus() const
     return reply ? reply->focus : XCB_NONE;
 }
 
+// If the process is killed, keys go to the window under the pointer.
 void OverlayKeeper::giveFocus(xcb_window_t id)
 {
-    xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_PARENT, id, XCB_CURRENT_TIME);
+    xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_POINTER_ROOT, id, XCB_CURRENT_TIME);
     xcb_flush(m_connection);
 }
 
-void OverlayKeeper::raise(xcb_window_t id)
+void OverlayKeeper::raiseIfCovered(xcb_window_t id, xcb_window_t by)
 {
-    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-    xcb_configure_window(m_connection, id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    const std::uint32_t siblingAndMode[] = {by, XCB_STACK_MODE_TOP_IF};
+    xcb_configure_window(m_connection, id, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
+                         siblingAndMode);
 }

@@ -38,11 +38,12 @@ private:
     void readEvents();
     void handle(const xcb_generic_event_t& event);
     void windowAppeared(const xcb_map_notify_event_t& event);
-    void keepAbove();
+    void windowMoved(const xcb_configure_notify_event_t& event);
+    void keepAbove(xcb_window_t managed);
     void keepKeyboard();
     xcb_window_t focus() const;
     void giveFocus(xcb_window_t id);
-    void raise(xcb_window_t id);
+    void raiseIfCovered(xcb_window_t id, xcb_window_t by);
 
     QWindow* m_overlay;
     xcb_connection_t* m_connection = nullptr;
