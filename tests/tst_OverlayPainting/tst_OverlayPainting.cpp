@@ -68,7 +68,7 @@ void paintPlainly(QPainter& painter, const QImage& desktop, const QRect& region,
 overlay::Scene sceneOf(const QImage& desktop, const QRect& region = QRect(),
                        const Canvas& canvas = {})
 {
-    return {desktop, overlay::dimmed(desktop), QRect(QPoint(), kWindow), region, canvas};
+    return {desktop, overlay::dimmed(desktop), QPoint(), QRect(QPoint(), kWindow), region, canvas};
 }
 
 QImage scaledByTwo(const QSize& size)

@@ -60,8 +60,8 @@ public:
     /// destroyed in the meantime is forgotten.
     void connectTo(QObject* receiver, const char* member);
 
-    /// Covers the whole virtual desktop, or restores geometry and window flags from before. Shows and
-    /// activates the window in either case. No window manager manages a window that covers the
+    /// Covers the whole virtual desktop, or restores geometry and window flags from before. Shows
+    /// and activates the window in either case. No window manager manages a window that covers the
     /// desktop (Qt::X11BypassWindowManagerHint).
     void showFullDesktop(bool full);
 
