@@ -2,6 +2,8 @@
 #include "BehaviourTest.h"
 #include "OverlayGeometry.h"
 
+#include <QRandomGenerator>
+
 class tst_OverlayGeometry : public BehaviourTest
 {
     Q_OBJECT
@@ -13,6 +15,11 @@ private slots:
     void loupeStandsBesideTheCursor();
     void toolBarStandsAtTheRegion_data();
     void toolBarStandsAtTheRegion();
+    void toolBarIsBoundedAtTheFirstPixelOfItsScreen();
+    void nearestScreenIsFound_data();
+    void nearestScreenIsFound();
+    void barIsMovedOntoItsScreen_data();
+    void barIsMovedOntoItsScreen();
 };
 
 void tst_OverlayGeometry::pointOfInterestSnapsToTheDraggedEdge()
@@ -81,6 +88,87 @@ void tst_OverlayGeometry::toolBarStandsAtTheRegion()
     QCOMPARE(overlay::mainToolBarPos(QRect(topLeft, bottomRight), QSize(400, 30), extraHeight,
                                      QRect(0, 0, 800, 600)),
              bar);
+}
+
+// Regions within, beyond and beside a screen at any place, bars that have room on it or not.
+void tst_OverlayGeometry::toolBarIsBoundedAtTheFirstPixelOfItsScreen()
+{
+    const QRect screen(0, 0, 80, 60);
+    QRandomGenerator random(1);
+    for (int i = 0; i < 20000; ++i) {
+        const QRect region(random.bounded(-50, 150), random.bounded(-50, 150), random.bounded(120),
+                           random.bounded(120));
+        const QSize bar(random.bounded(1, 120), random.bounded(1, 100));
+        const int extraHeight = random.bounded(40);
+        const int height = bar.height() + extraHeight + 6;
+        int x = region.right() - bar.width();
+        if (x < 1)
+            x = 0;
+        int y = region.bottom() + 6;
+        if (region.bottom() + height > screen.bottom()) {
+            y = region.top() - height;
+            if (y < 1)
+                y = 0;
+        }
+        const QPoint origin(random.bounded(-300, 300), random.bounded(-300, 300));
+        QCOMPARE(overlay::mainToolBarPos(region.translated(origin), bar, extraHeight,
+                                         screen.translated(origin)),
+                 origin + QPoint(x, y));
+        if (screen.contains(region.bottomRight()) && bar.boundedTo(screen.size()) == bar)
+            QVERIFY(screen.contains(QRect(QPoint(x, y), bar)));
+    }
+}
+
+void tst_OverlayGeometry::nearestScreenIsFound_data()
+{
+    QTest::addColumn<QPoint>("p");
+    QTest::addColumn<int>("screen");
+    // An L: two side by side, the right one lower, and one below the left one.
+    QTest::newRow("first pixel of the first") << QPoint(0, 0) << 0;
+    QTest::newRow("last pixel of the first") << QPoint(99, 99) << 0;
+    QTest::newRow("first pixel of the right one") << QPoint(100, 40) << 1;
+    QTest::newRow("last pixel of the right one") << QPoint(199, 139) << 1;
+    QTest::newRow("of the one below") << QPoint(50, 150) << 2;
+    QTest::newRow("above the right one, near it") << QPoint(150, 39) << 1;
+    QTest::newRow("above the right one, near the first") << QPoint(105, 10) << 0;
+    QTest::newRow("as far from both: the first") << QPoint(109, 30) << 0;
+    QTest::newRow("one nearer to the right one") << QPoint(110, 30) << 1;
+    QTest::newRow("diagonal gap, near the right one") << QPoint(105, 142) << 1;
+    QTest::newRow("diagonal gap, as far from both: the first") << QPoint(105, 145) << 1;
+    QTest::newRow("diagonal gap, near the one below") << QPoint(101, 147) << 2;
+    QTest::newRow("far away") << QPoint(9000, 9000) << 1;
+    QTest::newRow("negative") << QPoint(-10, 40) << 0;
+}
+
+void tst_OverlayGeometry::nearestScreenIsFound()
+{
+    QFETCH(QPoint, p);
+    QFETCH(int, screen);
+    const QVector<QRect> screens{{0, 0, 100, 100}, {100, 40, 100, 100}, {0, 100, 100, 100}};
+    QCOMPARE(overlay::nearest(p, screens), screens[screen]);
+}
+
+void tst_OverlayGeometry::barIsMovedOntoItsScreen_data()
+{
+    QTest::addColumn<QRect>("bar");
+    QTest::addColumn<QPoint>("pos");
+    // On a screen from (100, 40) to (199, 139).
+    QTest::newRow("on it") << QRect(120, 50, 30, 10) << QPoint(120, 50);
+    QTest::newRow("at its last pixels") << QRect(170, 130, 30, 10) << QPoint(170, 130);
+    QTest::newRow("over the right edge") << QRect(171, 50, 30, 10) << QPoint(170, 50);
+    QTest::newRow("over the bottom edge") << QRect(120, 131, 30, 10) << QPoint(120, 130);
+    QTest::newRow("over the left edge") << QRect(99, 50, 30, 10) << QPoint(100, 50);
+    QTest::newRow("over the top edge") << QRect(120, 39, 30, 10) << QPoint(120, 40);
+    QTest::newRow("far away") << QRect(900, -900, 30, 10) << QPoint(170, 40);
+    QTest::newRow("as large") << QRect(0, 0, 100, 100) << QPoint(100, 40);
+    QTest::newRow("larger") << QRect(120, 50, 101, 101) << QPoint(100, 40);
+}
+
+void tst_OverlayGeometry::barIsMovedOntoItsScreen()
+{
+    QFETCH(QRect, bar);
+    QFETCH(QPoint, pos);
+    QCOMPARE(overlay::posWithin(QRect(100, 40, 100, 100), bar), pos);
 }
 
 QTEST_APPLESS_MAIN(tst_OverlayGeometry)

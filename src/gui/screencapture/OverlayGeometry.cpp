@@ -56,10 +56,15 @@ QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, co
 {
     const int needed = bar.height() + extraHeight + kToolBarGapPx;
     const bool roomBelow = region.bottom() + needed <= screen.bottom();
-    const int x = region.right() - bar.width();
-    const int y = roomBelow ? region.bottom() + kToolBarGapPx : region.top() - needed;
-    return {qBound(screen.left(), x, screen.right() + 1 - bar.width()),
-            qBound(screen.top(), y, screen.bottom() + 1 - bar.height())};
+    const int y = roomBelow ? region.bottom() + kToolBarGapPx
+                            : qMax(screen.top(), region.top() - needed);
+    return {qMax(screen.left(), region.right() - bar.width()), y};
+}
+
+QPoint posWithin(const QRect& screen, const QRect& bar)
+{
+    return {qBound(screen.left(), bar.left(), screen.right() + 1 - bar.width()),
+            qBound(screen.top(), bar.top(), screen.bottom() + 1 - bar.height())};
 }
 
 } // namespace overlay

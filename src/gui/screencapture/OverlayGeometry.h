@@ -31,8 +31,12 @@ QPoint loupePos(const QPoint& cursor, const QSize& window);
 QRect nearest(const QPoint& p, const QVector<QRect>& screens);
 
 /// Returns the main tool bar's top-left corner: under the region, right edges aligned, or above it
-/// where the screen has no room for the bar, `extraHeight` and a gap. The bar never leaves
-/// `screen`, the one on which the region's bottom-right corner is.
+/// where the screen has no room for the bar, `extraHeight` and a gap. The bar never goes beyond the
+/// left and the top edge of `screen`, the one on which the region's bottom-right corner is.
 QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, const QRect& screen);
+
+/// Returns the top-left corner of `bar`, moved onto `screen`: to its top-left corner if it is
+/// larger.
+QPoint posWithin(const QRect& screen, const QRect& bar);
 
 } // namespace overlay

@@ -479,23 +479,28 @@ void ScreenCaptureWnd::onCaptureRectChanged(const QRect& rect)
     updateMainToolBarPos(0);
 }
 
-// The screen, in window coordinates, on which `p` is, or the nearest to it.
+// What the window covers of the screen on which `p` is, or of the nearest to it.
 QRect ScreenCaptureWnd::screenAt(const QPoint& p) const
 {
-    const QList<QScreen*> screens = QGuiApplication::screens();
-    if (screens.size() < 2)
-        return rect();
     QVector<QRect> areas;
-    for (const QScreen* screen : screens)
-        areas << screen->geometry().translated(-mapToGlobal(QPoint()));
-    return overlay::nearest(p, areas);
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect covered = screen->geometry().translated(-mapToGlobal(QPoint())) & rect();
+        if (!covered.isEmpty())
+            areas << covered;
+    }
+    return areas.size() < 2 ? rect() : overlay::nearest(p, areas);
 }
 
+// With several screens, the region's corner may be where none is.
 void ScreenCaptureWnd::updateMainToolBarPos(int extraHeight)
 {
     const QRect region = m_rectCapture->rect();
-    m_mainToolBar->move(overlay::mainToolBarPos(region, m_mainToolBar->size(), extraHeight,
-                                                screenAt(region.bottomRight())));
+    const QRect screen = screenAt(region.bottomRight());
+    const QSize bar = m_mainToolBar->size();
+    QPoint pos = overlay::mainToolBarPos(region, bar, extraHeight, screen);
+    if (screen != rect())
+        pos = overlay::posWithin(screen, QRect(pos, bar + QSize(0, extraHeight)));
+    m_mainToolBar->move(pos);
 }
 
 // Paints the rectangles one by one, because in a region of several Qt clips each pixel of a line.
