@@ -55,20 +55,21 @@ void compareLayers(const overlay::Scene& scene, Draw draw)
 
 /// The layers one over the other: the picture, the dimming, the region.
 void paintPlainly(QPainter& painter, const QImage& desktop, const QRect& region,
-                  const Canvas& canvas)
+                  const Canvas& canvas, const QPoint& desktopPos)
 {
-    painter.drawImage(0, 0, desktop);
+    painter.drawImage(desktopPos, desktop);
     painter.fillRect(QRect(QPoint(), kWindow), QColor(0, 0, 0, 100));
     if (canvas)
         painter.drawImage(region.topLeft(), *canvas);
     else if (!region.isEmpty())
-        painter.drawImage(region.topLeft(), desktop.copy(region));
+        painter.drawImage(region.topLeft(), desktop.copy(region.translated(-desktopPos)));
 }
 
 overlay::Scene sceneOf(const QImage& desktop, const QRect& region = QRect(),
-                       const Canvas& canvas = {})
+                       const Canvas& canvas = {}, const QPoint& desktopPos = QPoint())
 {
-    return {desktop, overlay::dimmed(desktop), QPoint(), QRect(QPoint(), kWindow), region, canvas};
+    return {desktop, overlay::dimmed(desktop), desktopPos, QRect(QPoint(), kWindow), region,
+            canvas};
 }
 
 QImage scaledByTwo(const QSize& size)
@@ -144,9 +145,17 @@ void tst_OverlayPainting::layersArePaintedInTheChangedRectangle()
     QFETCH(QImage, desktop);
     QFETCH(QRect, region);
     QFETCH(Canvas, canvas);
-    compareLayers(sceneOf(desktop, region, canvas), [&](QPainter& painter, const QRect&) {
-        paintPlainly(painter, desktop, region, canvas);
-    });
+    // Wherever the window stands on the desktop: the picture begins at, before or behind its
+    // corner.
+    const bool scaled = desktop.devicePixelRatio() != 1;
+    const QVector<QPoint> places =
+        scaled ? QVector<QPoint>{{0, 0}} : QVector<QPoint>{{0, 0}, {-13, -7}, {9, 27}, {200, -300}};
+    for (const QPoint& desktopPos : places) {
+        compareLayers(sceneOf(desktop, region, canvas, desktopPos),
+                      [&](QPainter& painter, const QRect&) {
+                          paintPlainly(painter, desktop, region, canvas, desktopPos);
+                      });
+    }
 }
 
 void tst_OverlayPainting::eachPixelIsPaintedOnce_data()
@@ -203,11 +212,13 @@ void tst_OverlayPainting::highlightIsBrightInAThickFrame()
     const QRect bounds(QPoint(), kWindow);
     QCOMPARE(overlay::highlightFrame(window, bounds), frame);
     const QImage desktop = noise(kWindow);
+    const QPoint desktopPos(-3, 5);
     const QImage shown = paintedIn(bounds, 1, [&](QPainter& painter, const QRect&) {
-        overlay::paintHighlight(painter, sceneOf(desktop), frame, kFrameColor);
+        overlay::paintHighlight(painter, sceneOf(desktop, QRect(), {}, desktopPos), frame,
+                                kFrameColor);
     });
     const QImage expected = paintedIn(bounds, 1, [&](QPainter& painter, const QRect&) {
-        painter.drawImage(frame.topLeft(), desktop.copy(frame));
+        painter.drawImage(frame.topLeft(), desktop.copy(frame.translated(-desktopPos)));
         painter.setPen(QPen(QBrush(kFrameColor), 4.0, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
         painter.drawRect(frame);
     });
