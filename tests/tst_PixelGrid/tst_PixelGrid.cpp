@@ -61,7 +61,8 @@ void tst_PixelGrid::rectanglesMatchTheReference()
                     continue;
                 // The first and the last pixel touch the rectangle, and the ones beside them do
                 // not.
-                QVERIFY((outward.left() + 1) * kEighths > left && outward.left() * kEighths <= left);
+                QVERIFY((outward.left() + 1) * kEighths > left &&
+                        outward.left() * kEighths <= left);
                 QVERIFY(outward.right() * kEighths < right &&
                         (outward.right() + 1) * kEighths >= right);
                 QCOMPARE(outward.top(), roundedDown(inEighths(from + 1, ratio)));
