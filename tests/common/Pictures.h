@@ -47,11 +47,14 @@ inline QImage places(const QSize& size)
     return image;
 }
 
-/// `image` with what `draw` paints on it.
+/// `image` with what `draw` paints on it, in device-independent pixels.
 template <typename Draw>
 QImage drawnOn(QImage image, Draw draw)
 {
     QPainter painter(&image);
+    // Qt itself scales a painter only above 1.
+    const qreal ratio = qMin(image.devicePixelRatio(), 1.0);
+    painter.scale(ratio, ratio);
     draw(painter);
     painter.end();
     return image;
@@ -75,7 +78,8 @@ inline QImage dimmed(QImage picture)
 /// What the widget and its children paint, over magenta, which no widget here uses.
 inline QImage painted(QWidget& widget, QWidget::RenderFlags flags = QWidget::DrawChildren)
 {
-    QImage image(widget.size(), QImage::Format_RGB32);
+    QImage image(widget.size() * widget.devicePixelRatioF(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(widget.devicePixelRatioF());
     image.fill(Qt::magenta);
     widget.render(&image, QPoint(), QRegion(), flags);
     return image;
@@ -174,23 +178,30 @@ inline QPolygon triangle(const QPoint& a, const QPoint& b, const QPoint& c)
     return QPolygon({a, b, c});
 }
 
-/// `image` in blocks of `side` pixels, summed up pixel by pixel.
+/// `image` in blocks of `side` in device-independent pixels, summed up pixel by pixel.
 inline QImage inBlocks(const QImage& image, int side)
 {
     QImage blocks(image.size(), QImage::Format_ARGB32);
     QPainter painter(&blocks);
-    for (int y = 0; y < image.height(); y += side) {
-        for (int x = 0; x < image.width(); x += side) {
-            const QRect cell = QRect(x, y, side, side) & image.rect();
+    const auto edge = [&](int number) {
+        return qRound(qMin(number * side * image.devicePixelRatio(), 1e6));
+    };
+    for (int row = 0; edge(row) < image.height(); ++row) {
+        for (int column = 0; edge(column) < image.width(); ++column) {
+            const QRect cell = QRect(QPoint(edge(column), edge(row)),
+                                     QPoint(edge(column + 1), edge(row + 1)) - QPoint(1, 1)) &
+                               image.rect();
+            if (cell.isEmpty())
+                continue;
             int red = 0;
             int green = 0;
             int blue = 0;
-            for (int row = cell.top(); row <= cell.bottom(); ++row) {
-                const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(row));
-                for (int column = cell.left(); column <= cell.right(); ++column) {
-                    red += qRed(line[column]);
-                    green += qGreen(line[column]);
-                    blue += qBlue(line[column]);
+            for (int y = cell.top(); y <= cell.bottom(); ++y) {
+                const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+                for (int x = cell.left(); x <= cell.right(); ++x) {
+                    red += qRed(line[x]);
+                    green += qGreen(line[x]);
+                    blue += qBlue(line[x]);
                 }
             }
             const int count = cell.width() * cell.height();

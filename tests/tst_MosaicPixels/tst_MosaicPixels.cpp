@@ -43,6 +43,7 @@ private slots:
     void averagesAreExactNextToAWholeNumber();
     void blocksAreThoseOfPlainSums_data();
     void blocksAreThoseOfPlainSums();
+    void blocksFollowTheDevicePixelRatio();
     void picturesInOtherFormatsAreConverted();
     void nothingIsWrittenBesideThePicture();
     void emptyPictureIsHarmless();
@@ -98,6 +99,26 @@ void tst_MosaicPixels::blocksAreThoseOfPlainSums()
             QVERIFY2(pixelated(src, block) == inBlocks(src, block),
                      qPrintable(QString("block %1, format %2").arg(block).arg(src.format())));
         QCOMPARE(mosaic::makeMosaicColor(src, src.rect()), inBlocks(src, kHuge).pixel(0, 0));
+    }
+}
+
+void tst_MosaicPixels::blocksFollowTheDevicePixelRatio()
+{
+    for (const qreal ratio : {0.75, 1.25, 1.5, 1.75, 2.0, 2.625, 3.0}) {
+        QImage src = noise(QSize(301, 173));
+        src.setDevicePixelRatio(ratio);
+        for (int block = 1; block <= 20; ++block)
+            QVERIFY2(pixelated(src, block) == inBlocks(src, block),
+                     qPrintable(QString("block %1 at %2").arg(block).arg(ratio)));
+    }
+    // 100 blocks of 10 at 1.25 are 1250 pixels wide, in turns of 13 and 12.
+    QImage wide = noise(QSize(1250, 1));
+    wide.setDevicePixelRatio(1.25);
+    const QImage blocks = pixelated(wide, 10);
+    for (int edge = 0; edge < wide.width(); edge += 25) {
+        QCOMPARE(blocks.pixel(edge, 0), blocks.pixel(edge + 12, 0));
+        QVERIFY(blocks.pixel(edge + 12, 0) != blocks.pixel(edge + 13, 0));
+        QCOMPARE(blocks.pixel(edge + 13, 0), blocks.pixel(edge + 24, 0));
     }
 }
 

@@ -8,10 +8,12 @@ namespace
 {
 
 constexpr QSize kSize(60, 40);
+constexpr qreal kRatios[] = {0.75, 1, 1.25, 1.5, 1.75, 2, 2.625, 3};
 
-QImage noise(quint32 seed, QImage::Format format = QImage::Format_RGB32)
+QImage noise(quint32 seed, QImage::Format format = QImage::Format_RGB32, qreal ratio = 1)
 {
     QImage image(kSize, format);
+    image.setDevicePixelRatio(ratio);
     QRandomGenerator random(seed);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x)
@@ -62,16 +64,18 @@ void tst_PictureDifference::colorsAreXored_data()
 void tst_PictureDifference::colorsAreXored()
 {
     QFETCH(QRect, area);
-    const QImage before = noise(1);
-    const QImage after = noise(2);
-    const QImage pixels = difference::between(before, after, area);
-    QCOMPARE(pixels.size(), area.size());
-    for (int y = 0; y < area.height(); ++y) {
-        for (int x = 0; x < area.width(); ++x) {
-            const QPoint p = area.topLeft() + QPoint(x, y);
-            const bool inside = before.rect().contains(p);
-            const QRgb expected = inside ? before.pixel(p) ^ after.pixel(p) : 0;
-            QCOMPARE(pixels.pixel(x, y) & RGB_MASK, expected & RGB_MASK);
+    for (const qreal ratio : kRatios) {
+        const QImage before = noise(1, QImage::Format_RGB32, ratio);
+        const QImage after = noise(2, QImage::Format_RGB32, ratio);
+        const QImage pixels = difference::between(before, after, area);
+        QCOMPARE(pixels.size(), area.size());
+        for (int y = 0; y < area.height(); ++y) {
+            for (int x = 0; x < area.width(); ++x) {
+                const QPoint p = area.topLeft() + QPoint(x, y);
+                const bool inside = before.rect().contains(p);
+                const QRgb expected = inside ? before.pixel(p) ^ after.pixel(p) : 0;
+                QCOMPARE(pixels.pixel(x, y) & RGB_MASK, expected & RGB_MASK);
+            }
         }
     }
 }
@@ -86,15 +90,18 @@ void tst_PictureDifference::applyingUndoesAndRedoes()
     QFETCH(QRect, area);
     for (const QImage::Format format :
          {QImage::Format_RGB32, QImage::Format_ARGB32, QImage::Format_ARGB32_Premultiplied}) {
-        const QImage before = noise(1, format);
-        const QImage after = edited(before, noise(2, format), area);
-        const QImage pixels = difference::between(before, after, area);
-        QImage image = after;
-        for (int i = 0; i < 2; ++i) {
-            difference::apply(image, area.topLeft(), pixels);
-            QCOMPARE(image, before);
-            difference::apply(image, area.topLeft(), pixels);
-            QCOMPARE(image, after);
+        for (const qreal ratio : kRatios) {
+            const QImage before = noise(1, format, ratio);
+            const QImage after = edited(before, noise(2, format), area);
+            const QImage pixels = difference::between(before, after, area);
+            QImage image = after;
+            for (int i = 0; i < 2; ++i) {
+                difference::apply(image, area.topLeft(), pixels);
+                QCOMPARE(image, before);
+                difference::apply(image, area.topLeft(), pixels);
+                QCOMPARE(image, after);
+            }
+            QCOMPARE(image.devicePixelRatio(), ratio);
         }
     }
 }

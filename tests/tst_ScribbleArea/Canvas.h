@@ -9,15 +9,34 @@
 
 #include <QTemporaryDir>
 #include <QTextEdit>
+#include <QtMath>
 
 using DiffRect = ScribbleArea::DiffRect;
 
 constexpr QSize kSize(200, 150);
 const QColor kRed(251, 56, 56);
 
+/// The device pixel ratio that a test runs at; QT_SCALE_FACTOR sets it.
+inline qreal ratio()
+{
+    return qApp->devicePixelRatio();
+}
+
+/// All physical pixels that an area of the canvas touches.
+inline QRect inPixels(const QRect& area)
+{
+    if (area.isEmpty())
+        return {};
+    const QPoint end(qCeil((area.right() + 1) * ratio()), qCeil((area.bottom() + 1) * ratio()));
+    return {QPoint(qFloor(area.left() * ratio()), qFloor(area.top() * ratio())),
+            end - QPoint(1, 1)};
+}
+
 inline QImage picture()
 {
-    return noise(kSize, 42);
+    QImage image = noise(inPixels(QRect(QPoint(), kSize)).size(), 42);
+    image.setDevicePixelRatio(ratio());
+    return image;
 }
 
 /// A canvas with a picture on it, and the mouse in front of it.
@@ -28,13 +47,13 @@ public:
     explicit Canvas(const QImage& image = picture())
         : Mouse(this)
     {
-        resize(image.isNull() ? kSize : image.size());
+        resize(image.isNull() ? kSize : image.size() / image.devicePixelRatio());
         setImage(image);
     }
     ResizableRect* frame() const { return findChild<ResizableRect*>(); }
     QTextEdit* textBox() const { return findChild<QTextEdit*>(); }
     int entries() const { return ScribbleAreaAccess::history(*this).size(); }
-    /// The area that an entry of the history holds.
+    /// The area that an entry of the history holds, in physical pixels.
     QRect areaOf(int entry) const
     {
         const DiffRect diff = ScribbleAreaAccess::history(*this).at(entry);

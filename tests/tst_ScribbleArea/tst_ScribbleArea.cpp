@@ -173,7 +173,7 @@ void tst_ScribbleArea::toolsSetTheirCursor()
     for (const Choose choose : others) {
         canvas.setPaintTypeToMosaic();
         QCOMPARE(canvas.cursor().shape(), Qt::BitmapCursor);
-        QCOMPARE(canvas.cursor().pixmap().size(), QSize(16, 16));
+        QCOMPARE(canvas.cursor().pixmap().size(), QSize(16, 16) * ratio());
         (canvas.*choose)();
         QCOMPARE(canvas.cursor().shape(), Qt::CrossCursor);
     }
@@ -185,7 +185,7 @@ void tst_ScribbleArea::clearImageMakesNoEntry()
     canvas.clearImage();
     QVERIFY(canvas.modified());
     QVERIFY(!canvas.canUndo());
-    QImage white(kSize, QImage::Format_RGB32);
+    QImage white = picture();
     white.fill(Qt::white);
     QCOMPARE(canvas.image(), white);
     canvas.undo();
@@ -241,7 +241,7 @@ void tst_ScribbleArea::filesThatFail()
     // The format is found in the file, whatever its name says.
     QVERIFY(picture().save(dir.filePath("really-png.jpg"), "PNG"));
     QVERIFY(canvas.openImage(dir.filePath("really-png.jpg")));
-    QCOMPARE(canvas.image(), picture());
+    QVERIFY(canvas.image() == picture());
     QVERIFY(!canvas.canUndo());
 }
 

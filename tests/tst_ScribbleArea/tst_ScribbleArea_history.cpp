@@ -154,7 +154,7 @@ void tst_ScribbleArea_history::entryHoldsTheStrokesBounds()
     canvas.setScribblePen(roundPen(Qt::blue, 5));
     canvas.drag({{60, 50}, {40, 80}, {-10, 70}});
     // Half the pen, rounded down, and 2 pixels more.
-    QCOMPARE(canvas.areaOf(0), edges(-14, 46, 64, 84));
+    QCOMPARE(canvas.areaOf(0), inPixels(edges(-14, 46, 64, 84)));
     canvas.undo();
     QCOMPARE(canvas.image(), picture());
 }
@@ -168,7 +168,7 @@ void tst_ScribbleArea_history::commitWithinAStrokeStartsItsEntryAtTheOrigin()
     canvas.completeScribble();
     QCOMPARE(canvas.entries(), 0);
     canvas.release(QPoint(110, 70));
-    QCOMPARE(canvas.areaOf(0), edges(0, 0, 113, 73));
+    QCOMPARE(canvas.areaOf(0), inPixels(edges(0, 0, 113, 73)));
     canvas.undo();
     QCOMPARE(canvas.image(), committed);
 }

@@ -21,7 +21,7 @@ public:
     void choose(int blockSide, int width)
     {
         m_width = width;
-        m_track = QImage(m_picture.size(), QImage::Format_RGB32);
+        m_track = m_picture.copy();
         m_track.fill(Qt::black);
         rebuild(blockSide);
     }
@@ -41,9 +41,12 @@ public:
         const int margin = m_width / 2 + 2;
         const int right = qMin(qMax(from.x(), to.x()) + margin, widget.width());
         const int bottom = qMin(qMax(from.y(), to.y()) + margin, widget.height());
+        const QPoint topLeft(qMax(qMin(from.x(), to.x()) - margin, 0),
+                             qMax(qMin(from.y(), to.y()) - margin, 0));
         // Without the last column and row.
-        for (int y = qMax(qMin(from.y(), to.y()) - margin, 0); y < bottom; ++y) {
-            for (int x = qMax(qMin(from.x(), to.x()) - margin, 0); x < right; ++x) {
+        const QRect area = inPixels(QRect(topLeft, QPoint(right - 1, bottom - 1)));
+        for (int y = area.top(); y <= area.bottom(); ++y) {
+            for (int x = area.left(); x <= area.right(); ++x) {
                 if (m_picture.valid(x, y) && m_track.pixel(x, y) == qRgb(255, 255, 255))
                     m_picture.setPixel(x, y, m_blocks.pixel(x, y));
             }
@@ -137,7 +140,7 @@ void tst_ScribbleArea_mosaic::strokeFollowsTheMouseUntilTheRelease()
     canvas.release(QPoint(180, 30));
     QCOMPARE(canvas.image(), brush.picture());
     QCOMPARE(canvas.entries(), 1);
-    QCOMPARE(canvas.areaOf(0), edges(20, 20, 160, 130));
+    QCOMPARE(canvas.areaOf(0), inPixels(edges(20, 20, 160, 130)));
 }
 
 // Intended.
@@ -151,11 +154,13 @@ void tst_ScribbleArea_mosaic::trackSurvivesUndo()
     QCOMPARE(canvas.image(), picture());
     // Off the first stroke's path, but its area overlaps it.
     canvas.drag(QPoint(60, 54), QPoint(100, 54));
-    QCOMPARE(canvas.image().pixel(80, 45), ScribbleAreaAccess::pixelated(canvas).pixel(80, 45));
+    const QPoint first = inPixels(QRect(80, 45, 1, 1)).topLeft();
+    QCOMPARE(canvas.image().pixel(first), ScribbleAreaAccess::pixelated(canvas).pixel(first));
     canvas.undo();
     canvas.setPaintTypeToMosaic();
     canvas.drag(QPoint(60, 58), QPoint(100, 58));
-    QCOMPARE(canvas.image().pixel(80, 48), picture().pixel(80, 48));
+    const QPoint cleared = inPixels(QRect(80, 48, 1, 1)).topLeft();
+    QCOMPARE(canvas.image().pixel(cleared), picture().pixel(cleared));
 }
 
 void tst_ScribbleArea_mosaic::blocksAreRebuiltOnceAfterTheLastChange()
@@ -198,12 +203,14 @@ void tst_ScribbleArea_mosaic::newBlocksGoOnlyWhereTheNextStrokeIs()
     // Its area reaches into the first stroke, and not to the second.
     const QImage before = canvas.image();
     stroke(QPoint(60, 44), QPoint(100, 44));
-    QVERIFY(canvas.image().copy(60, 34, 40, 4) != before.copy(60, 34, 40, 4));
+    const QRect reached = inPixels(QRect(60, 34, 40, 4));
+    QVERIFY(canvas.image().copy(reached) != before.copy(reached));
 }
 
 void tst_ScribbleArea_mosaic::cursorIsTheBrush()
 {
-    QImage circle(24, 24, QImage::Format_ARGB32);
+    QImage circle(QSize(24, 24) * ratio(), QImage::Format_ARGB32);
+    circle.setDevicePixelRatio(ratio());
     circle.fill(Qt::transparent);
     circle = drawnOn(circle, [](QPainter& painter) { painter.drawEllipse(1, 1, 22, 22); });
     Canvas canvas;

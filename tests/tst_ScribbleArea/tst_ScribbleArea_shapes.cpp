@@ -15,7 +15,7 @@ QImage paintedBy(Canvas& canvas)
 
 QImage nothing()
 {
-    QImage image(kSize, QImage::Format_RGB32);
+    QImage image = picture();
     image.fill(Qt::magenta);
     return image;
 }
@@ -168,8 +168,10 @@ void tst_ScribbleArea_shapes::historyRectangleIsTheGrownFrame_data()
     QTest::addColumn<int>("width");
     QTest::addColumn<bool>("undoneWhole");
     QTest::newRow("rectangle") << 0 << 2 << true;
+    QTest::newRow("rectangle, odd pen") << 0 << 3 << true;
     QTest::newRow("ellipse") << 1 << 6 << true;
-    // Half of an odd pen is rounded down, which an antialiased outline reaches beyond.
+    // At a ratio of 1 half of an odd pen is rounded down, which an antialiased outline reaches
+    // beyond.
     QTest::newRow("ellipse, odd pen") << 1 << 7 << false;
     // The sides of a flat arrow's head stand out of its frame.
     QTest::newRow("arrow") << 2 << 6 << false;
@@ -190,11 +192,12 @@ void tst_ScribbleArea_shapes::historyRectangleIsTheGrownFrame()
     canvas.setGraphTool(state);
     canvas.drag(QPoint(30, 60), QPoint(130, 64));
     canvas.completeScribble();
-    const int half = width / 2;
-    QCOMPARE(canvas.areaOf(0), edges(30, 60, 130, 64).adjusted(-half, -half, half + 1, half + 1));
+    const int half = ratio() == 1 ? width / 2 : (width + 1) / 2;
+    QCOMPARE(canvas.areaOf(0),
+             inPixels(edges(30, 60, 130, 64).adjusted(-half, -half, half + 1, half + 1)));
     const QImage drawn = canvas.image();
     canvas.undo();
-    QCOMPARE(canvas.image() == picture(), undoneWhole);
+    QCOMPARE(canvas.image() == picture(), undoneWhole || (width == 7 && ratio() != 1));
     canvas.redo();
     QCOMPARE(canvas.image(), drawn);
 }
@@ -232,7 +235,7 @@ void tst_ScribbleArea_shapes::shapeIsCommittedBy()
     QCOMPARE(canvas.frame()->isVisible(), what == "new drag");
     QCOMPARE(canvas.modified(), what != "save");
     if (what == "save")
-        QCOMPARE(QImage(file).convertToFormat(QImage::Format_RGB32), canvas.image());
+        QVERIFY(QImage(file).convertToFormat(QImage::Format_RGB32) == canvas.image());
 }
 
 // Intended.

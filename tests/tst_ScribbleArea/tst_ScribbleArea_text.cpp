@@ -147,7 +147,7 @@ void tst_ScribbleArea_text::typedTextIsRenderedAsItLooks()
     QVERIFY(canvas.textBox()->isHidden());
     QVERIFY(!canvas.frame()->isVisible());
     QCOMPARE(canvas.entries(), 1);
-    QCOMPARE(canvas.areaOf(0), kBox);
+    QCOMPARE(canvas.areaOf(0), inPixels(kBox));
 }
 
 void tst_ScribbleArea_text::blanksLeaveNoTrace()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "MosaicPixels.h"
 
+#include "PixelGrid.h"
+
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -50,25 +52,50 @@ QRgb averageOf(const Sum* sums, int columns, double share)
     return average;
 }
 
+// The widths or heights of the blocks that `length` pixels are cut into.
+std::vector<int> blocksOf(int length, double blockSize)
+{
+    std::vector<int> blocks;
+    int end = 0;
+    for (int i = 1; end < length; ++i) {
+        const int start = end;
+        end = pixels::nearestEdge(std::min(i * blockSize, double(length)), 1);
+        if (end > start)
+            blocks.push_back(end - start);
+    }
+    return blocks;
+}
+
+// Averages a row of blocks into a row of pixels.
+template <typename Sum>
+void averageBlocks(QRgb* pixel, const Sum* sum, const std::vector<int>& widths, int rows)
+{
+    int shared = 0;
+    double share = 0;
+    for (const int width : widths) {
+        // Nearly all blocks are of the same width.
+        if (width != shared) {
+            shared = width;
+            share = shareOfAPixel(width, rows);
+        }
+        pixel = std::fill_n(pixel, width, averageOf(sum, width, share));
+        sum += size_t(width) * kBytesPerPixel;
+    }
+}
+
 // Averages one row of blocks at a time into its first row of pixels, which is then repeated.
 template <typename Sum>
-void pixelate(QImage& dst, const QImage& src, int blockSize)
+void pixelate(QImage& dst, const QImage& src, double blockSize)
 {
-    const int width = src.width();
-    for (int y = 0; y < src.height(); y += blockSize) {
-        const int rows = std::min(blockSize, src.height() - y);
-        const std::vector<Sum> sums = sumsOf<Sum>(src, QRect(0, y, width, rows));
+    const std::vector<int> widths = blocksOf(src.width(), blockSize);
+    int y = 0;
+    for (const int rows : blocksOf(src.height(), blockSize)) {
+        const std::vector<Sum> sums = sumsOf<Sum>(src, QRect(0, y, src.width(), rows));
         auto* first = reinterpret_cast<QRgb*>(dst.scanLine(y));
-        const Sum* sum = sums.data();
-        const double share = shareOfAPixel(blockSize, rows);
-        int x = 0;
-        for (; width - x >= blockSize; x += blockSize, sum += blockSize * kBytesPerPixel)
-            std::fill_n(first + x, blockSize, averageOf(sum, blockSize, share));
-        const int rest = width - x;
-        if (rest > 0)
-            std::fill_n(first + x, rest, averageOf(sum, rest, shareOfAPixel(rest, rows)));
+        averageBlocks(first, sums.data(), widths, rows);
         for (int row = 1; row < rows; ++row)
-            std::memcpy(dst.scanLine(y + row), first, size_t(width) * kBytesPerPixel);
+            std::memcpy(dst.scanLine(y + row), first, size_t(src.width()) * kBytesPerPixel);
+        y += rows;
     }
 }
 
@@ -96,10 +123,11 @@ void makeMosaicImage(QImage& dst, const QImage& src, int blockSize)
         return;
     Q_ASSERT(dst.size() == src.size() && holdsQRgb(dst));
     const QImage pixels = holdsQRgb(src) ? src : src.convertToFormat(QImage::Format_ARGB32);
-    if (blockSize <= kMostRowsOf16BitSums)
-        pixelate<quint16>(dst, pixels, blockSize);
+    const double physicalSize = blockSize * src.devicePixelRatio();
+    if (physicalSize <= kMostRowsOf16BitSums)
+        pixelate<quint16>(dst, pixels, physicalSize);
     else
-        pixelate<quint64>(dst, pixels, blockSize);
+        pixelate<quint64>(dst, pixels, physicalSize);
 }
 
 void copyWhereWhite(QImage& dst, const QImage& src, const QImage& mask, const QRect& area)

@@ -6,7 +6,8 @@
 #include <QRect>
 
 /// What an edit changed in a picture, free of widgets: the pixels before it XOR those after it, so
-/// that applying the same difference undoes the edit and redoes it. Coordinates are picture pixels.
+/// that applying the same difference undoes the edit and redoes it. Coordinates are physical
+/// pixels, whatever the pictures' device pixel ratio.
 namespace difference
 {
 

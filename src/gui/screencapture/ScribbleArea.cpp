@@ -3,6 +3,7 @@
 
 #include "MosaicPixels.h"
 #include "PictureDifference.h"
+#include "PixelGrid.h"
 #include "ResizableRect.h"
 #include "StyleSheets.h"
 
@@ -52,6 +53,10 @@ void drawOn(QImage& picture, Draw draw)
     if (picture.isNull())
         return;
     QPainter painter(&picture);
+    // Qt itself scales a painter only above 1.
+    const qreal ratio = picture.devicePixelRatio();
+    if (ratio < 1)
+        painter.scale(ratio, ratio);
     draw(painter);
 }
 
@@ -380,8 +385,10 @@ void ScribbleArea::drawGraph()
 {
     drawOn(m_image, [this](QPainter& painter) { renderGraph(painter); });
     m_modified = true;
-    // Intended: the frame grown by half the pen, even where the shape reaches beyond it.
-    const int half = currentGraphPen().width() / 2;
+    // Intended: the frame grown by half the pen, even where the shape reaches beyond it. At a ratio
+    // of 1, half of an odd pen is rounded down.
+    const int odd = m_image.devicePixelRatio() == 1 ? 0 : 1;
+    const int half = (currentGraphPen().width() + odd) / 2;
     m_diffRect = m_resizableRect->rect().adjusted(-half, -half, half + 1, half + 1);
 }
 
@@ -542,12 +549,12 @@ void ScribbleArea::drawMosaic(const QPoint& from, const QPoint& to, int width)
         else
             painter.drawLine(from, to);
     });
-    m_mosaicTracked |= area;
+    m_mosaicTracked |= inPixels(area);
 
     // Intended: the bounds are the widget's, and the last column and row of the area are left out.
     const QPoint first(qMax(area.left(), 0), qMax(area.top(), 0));
     const QPoint last(qMin(area.right(), this->width()) - 1, qMin(area.bottom(), height()) - 1);
-    mosaic::copyWhereWhite(m_image, m_mosaicImage, m_mosaicTrack, QRect(first, last));
+    mosaic::copyWhereWhite(m_image, m_mosaicImage, m_mosaicTrack, inPixels(QRect(first, last)));
     updateChanged(area);
     m_diffRect |= area;
 }
@@ -570,10 +577,12 @@ void ScribbleArea::resetMosaicTrack()
         m_mosaicTrack = QImage(m_image.size(), QImage::Format_ARGB32);
         m_mosaicTracked = m_mosaicTrack.rect();
     }
+    m_mosaicTrack.setDevicePixelRatio(1);
     drawOn(m_mosaicTrack, [this](QPainter& painter) {
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.fillRect(m_mosaicTracked, Qt::transparent);
     });
+    m_mosaicTrack.setDevicePixelRatio(m_image.devicePixelRatio());
     m_mosaicTracked = QRect();
 }
 
@@ -585,15 +594,23 @@ void ScribbleArea::setMosaicBlur(int blur)
 
 void ScribbleArea::setMosaicCursorRadius(int diameter)
 {
-    QImage circle(diameter, diameter, QImage::Format_ARGB32);
+    const int side = pixels::nearestEdge(diameter, devicePixelRatioF());
+    QImage circle(side, side, QImage::Format_ARGB32);
     // A brush without width keeps the previous cursor.
     if (circle.isNull())
         return;
+    circle.setDevicePixelRatio(devicePixelRatioF());
     circle.fill(QColor(0, 0, 0, 0));
-    QPainter painter(&circle);
-    painter.drawEllipse(QRect(QPoint(1, 1), QSize(diameter - 2, diameter - 2)));
-    painter.end();
+    drawOn(circle, [&](QPainter& painter) {
+        painter.drawEllipse(QRect(QPoint(1, 1), QSize(diameter - 2, diameter - 2)));
+    });
     setCursor(QCursor(QPixmap::fromImage(circle), -1, -1));
+}
+
+// Returns all pixels of the picture that an area of the widget touches.
+QRect ScribbleArea::inPixels(const QRect& area) const
+{
+    return pixels::outward(area, m_image.devicePixelRatio());
 }
 
 void ScribbleArea::initForDiff(const QPoint& pos)
@@ -605,8 +622,8 @@ void ScribbleArea::initForDiff(const QPoint& pos)
 void ScribbleArea::saveDiffRect()
 {
     m_diffRectStack.erase(m_diffRectStack.begin() + m_currentDiffIndex, m_diffRectStack.end());
-    m_diffRectStack.append(
-        {m_diffRect.topLeft(), difference::between(m_diffImage, m_image, m_diffRect)});
+    const QRect changed = inPixels(m_diffRect);
+    m_diffRectStack.append({changed.topLeft(), difference::between(m_diffImage, m_image, changed)});
     ++m_currentDiffIndex;
 }
 
@@ -615,7 +632,7 @@ void ScribbleArea::restoreDiffRect()
     Q_ASSERT(m_currentDiffIndex >= 0 && m_currentDiffIndex < m_diffRectStack.size());
     const DiffRect& entry = m_diffRectStack.at(m_currentDiffIndex);
     difference::apply(m_image, entry.position, entry.image);
-    update(m_image.rect());
+    update(pixels::outward(m_image.rect(), 1 / m_image.devicePixelRatio()));
 }
 
 void ScribbleArea::undo()

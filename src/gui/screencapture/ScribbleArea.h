@@ -20,7 +20,8 @@ class QTextEdit;
 /// mouse input into drawing on it, with a pen, text boxes, shapes and a mosaic brush.
 ///
 /// The parent widget paints image() beneath; the canvas itself paints only the shape being edited
-/// and its frame. It must have the picture's size; coordinates are pixels of both. Shapes and texts
+/// and its frame. It must have the picture's size. Coordinates are those of the widget; the picture
+/// has as many physical pixels for each as its device pixel ratio says. Shapes and texts
 /// stay editable in their frame until they are committed: by a press outside the frame, a change of
 /// tool, undo(), saveImage() or completeScribble(). Every committed edit can be undone.
 ///
@@ -34,8 +35,8 @@ public:
     enum PAINT_TYPE : int { PAINT_SCRIBBLE = 0, PAINT_TEXT = 1, PAINT_GRAPH = 2, PAINT_MOSAIC = 3 };
     enum GRAPH_STATE : int { GRAPH_RECT = 0, GRAPH_ELLIPSE = 1, GRAPH_ARROW = 2 };
 
-    /// An entry of the history: the changed rectangle's top-left corner, and its pixels before the
-    /// edit XOR those after it.
+    /// An entry of the history: the changed rectangle's top-left corner in physical pixels, and its
+    /// pixels before the edit XOR those after it.
     struct DiffRect {
         QPoint position;
         QImage image;
@@ -71,14 +72,14 @@ public:
     void setRectPen(const QPen& pen);
     void setEllipsePen(const QPen& pen);
     void setArrowPen(const QPen& pen);
-    /// Keeps only the width, the brush's diameter in pixels.
+    /// Keeps only the width, the brush's diameter.
     void setMosaicPen(const QPen& pen);
     QPen scribblePen() const { return m_scribblePen; }
     QPen rectPen() const { return m_graphPens.value(GRAPH_RECT); }
     QPen ellipsePen() const { return m_graphPens.value(GRAPH_ELLIPSE); }
     QPen arrowPen() const { return m_graphPens.value(GRAPH_ARROW); }
     QPen mosaicPen() const;
-    /// Sets the edge of a mosaic block in pixels, which must be positive. Takes effect 300 ms after
+    /// Sets the edge of a mosaic block, which must be positive. Takes effect 300 ms after
     /// the last call.
     void setMosaicBlur(int blur);
     /// Sets the point size of the whole text box.
@@ -116,7 +117,7 @@ private:
     void updateChanged(const QRect& area);
     void updateMosaicImage();
     void resetMosaicTrack();
-    /// Shows the brush, a circle of `diameter` pixels, as the cursor.
+    /// Shows the brush as the cursor.
     void setMosaicCursorRadius(int diameter);
 
     void dragFrame(const QPoint& pos);
@@ -134,6 +135,7 @@ private:
     void startText();
     bool drawText();
 
+    QRect inPixels(const QRect& area) const;
     void initForDiff(const QPoint& pos);
     void saveDiffRect();
     void restoreDiffRect();
@@ -149,7 +151,7 @@ private:
     int m_mosaicPenWidth = 16;
     QImage m_mosaicImage;
     QImage m_mosaicTrack;
-    /// Bounds of what was drawn into the track.
+    /// Bounds of what was drawn into the track, in physical pixels.
     QRect m_mosaicTracked;
     QTimer m_mosaicTimer;
     QPoint m_lastPoint;
