@@ -21,7 +21,7 @@ const Icon kIcons[] = {
     {"sep", {2, 18}},     {"send", {18, 15}},   {"bg", {50, 30}},     {"button_border", {22, 22}},
 };
 
-constexpr int kScales[] = {1, 2};
+constexpr int kScales[] = {1, 2, 3};
 
 /// Rendering rounds the soft edges of a shape and of its mirror image a little differently.
 constexpr int kEdgeAlphaTolerance = 32;
@@ -30,7 +30,7 @@ const QString kDirectory = QStringLiteral(":/scribble/");
 
 QString fileName(const QString& name, int scale)
 {
-    return name + (scale == 1 ? ".png" : "@2x.png");
+    return scale == 1 ? name + ".png" : QString("%1@%2x.png").arg(name).arg(scale);
 }
 
 QImage load(const QString& file)
@@ -65,18 +65,20 @@ class tst_icons : public BehaviourTest
     Q_OBJECT
 
 private slots:
-    void resourcesAreTheSixteenIconsAtBothScales();
+    void resourcesAreTheSixteenIconsAtAllScales();
     void isUncompressedOfItsSizeAndNotBlank_data();
     void isUncompressedOfItsSizeAndNotBlank();
     void cursorPointsWithItsTopLeftPixel();
     void redoMirrorsUndo();
 };
 
-void tst_icons::resourcesAreTheSixteenIconsAtBothScales()
+void tst_icons::resourcesAreTheSixteenIconsAtAllScales()
 {
     QStringList expected;
-    for (const Icon& icon : kIcons)
-        expected << fileName(icon.name, 1) << fileName(icon.name, 2);
+    for (const Icon& icon : kIcons) {
+        for (const int scale : kScales)
+            expected << fileName(icon.name, scale);
+    }
     expected.sort();
     QStringList found = QDir(kDirectory).entryList(QDir::Files);
     found.sort();

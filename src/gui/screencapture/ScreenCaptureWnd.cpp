@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ScreenCaptureWnd.h"
 
+#include "Icons.h"
 #include "MagnifierWidget.h"
 #include "MosaicPixels.h"
 #include "OverlayGeometry.h"
@@ -124,7 +125,7 @@ void ScreenCaptureWnd::init()
 {
     // In a static library, the linker drops the icons unless something refers to them.
     Q_INIT_RESOURCE(scribble);
-    setCursor(QCursor(QPixmap(":/scribble/cursor.png"), 0, 0));
+    setCursor(QCursor(icons::pixmap("cursor", devicePixelRatioF()), 0, 0));
     // The only grab of a capture: region, loupe and dimmed surround are all cut from this picture.
     m_desktopGeometry = QApplication::desktop()->geometry();
     m_desktopImage = new QImage(grabbedDesktop(m_desktopGeometry));

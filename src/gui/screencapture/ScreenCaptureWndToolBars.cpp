@@ -2,6 +2,7 @@
 // The tool bars of the capture window: what stands in them, which tool is chosen, and where its
 // settings go.
 #include "ColorWidget.h"
+#include "Icons.h"
 #include "PenWidthWidget.h"
 #include "ResizableRect.h"
 #include "ScreenCaptureTool.h"
@@ -48,20 +49,17 @@ constexpr int kMosaicExtraWidthPx = 15;
 // Intended: it exists beside the window, which does not use it.
 [[maybe_unused]] const ScreenCaptureToolColors s_penColors;
 
-QString iconFile(const QString& name)
-{
-    return QStringLiteral(":/scribble/%1.png").arg(name);
-}
-
 // A style fades a disabled icon into the palette's window colour, which may be dark. The bars are
 // white.
 QIcon paleWhileDisabled(const QString& name)
 {
     QStyleOption option;
     option.palette = QPalette(Qt::white);
-    QIcon result(iconFile(name));
-    result.addPixmap(qApp->style()->generatedIconPixmap(QIcon::Disabled, iconFile(name), &option),
-                     QIcon::Disabled);
+    QIcon result(icons::file(name));
+    for (const qreal ratio : {1.0, qApp->devicePixelRatio()})
+        result.addPixmap(qApp->style()->generatedIconPixmap(QIcon::Disabled,
+                                                            icons::pixmap(name, ratio), &option),
+                         QIcon::Disabled);
     return result;
 }
 
@@ -133,7 +131,7 @@ QWidget* createToolBar(QWidget* window, const QString& name, int marginPx)
 QPushButton* createCommandButton(QWidget* window, const QString& name, const QString& toolTip,
                                  const char* slot)
 {
-    auto* button = new QPushButton(QIcon(iconFile(name)), QString());
+    auto* button = new icons::Button(QIcon(icons::file(name)), QString());
     button->setToolTip(toolTip);
     button->setStyleSheet(style::kDarkToolTip);
     button->setAccessibleName(toolTip);
@@ -153,7 +151,7 @@ QPushButton* createToolButton(QWidget* window, const QString& name, const QStrin
 
 QPushButton* createDoneButton(QWidget* window)
 {
-    auto* button = new QPushButton(QIcon(iconFile("done")), ScreenCaptureWnd::tr("done"));
+    auto* button = new icons::Button(QIcon(icons::file("done")), ScreenCaptureWnd::tr("done"));
     button->setObjectName(QStringLiteral("doneButton"));
     button->setFixedSize(kDoneButtonSizePx);
     button->setStyleSheet(style::kDarkText);
@@ -166,7 +164,7 @@ QPushButton* createDoneButton(QWidget* window)
 QLabel* createFontSizeLabel(QWidget* bar)
 {
     auto* label = new QLabel(bar);
-    label->setPixmap(QPixmap(iconFile("text")));
+    label->setPixmap(icons::pixmap("text", label->devicePixelRatioF()));
     label->setMargin(kFontSizeLabelMarginPx);
     return label;
 }
@@ -391,7 +389,7 @@ void ScreenCaptureWnd::initToolBars()
 QLabel* ScreenCaptureWnd::createSeparator()
 {
     auto* label = new QLabel;
-    label->setPixmap(QPixmap(iconFile("sep")));
+    label->setPixmap(icons::pixmap("sep", devicePixelRatioF()));
     label->setFixedSize(kSeparatorSizePx);
     return label;
 }

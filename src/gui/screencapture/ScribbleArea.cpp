@@ -604,7 +604,8 @@ void ScribbleArea::setMosaicCursorRadius(int diameter)
     drawOn(circle, [&](QPainter& painter) {
         painter.drawEllipse(QRect(QPoint(1, 1), QSize(diameter - 2, diameter - 2)));
     });
-    setCursor(QCursor(QPixmap::fromImage(circle), -1, -1));
+    // Where Qt shows it, the hot spot is in physical pixels.
+    setCursor(QCursor(QPixmap::fromImage(circle), side / 2, side / 2));
 }
 
 // Returns all pixels of the picture that an area of the widget touches.
