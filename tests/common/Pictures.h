@@ -139,7 +139,7 @@ struct ColouredText {
 };
 
 /// `image` with the text in `box`, without the help of a text box.
-inline QImage withText(QImage image, const QRect& box, const QFont& font,
+inline QImage withText(const QImage& image, const QRect& box, const QFont& font,
                        const QVector<ColouredText>& parts)
 {
     // Glyphs are placed as for the screen.
@@ -153,11 +153,11 @@ inline QImage withText(QImage image, const QRect& box, const QFont& font,
         format.setForeground(part.color);
         cursor.insertText(part.text, format);
     }
-    QPainter painter(&image);
-    painter.setClipRect(box);
-    painter.translate(box.topLeft());
-    document.drawContents(&painter);
-    return image;
+    return drawnOn(image, [&](QPainter& painter) {
+        painter.setClipRect(box);
+        painter.translate(box.topLeft());
+        document.drawContents(&painter);
+    });
 }
 
 /// A filled arrow with an outline of one pixel, from the corners of its shaft and of its point.

@@ -7,6 +7,7 @@
 #include "ResizableRect.h"
 #include "ScribbleArea.h"
 
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTextEdit>
 #include <QtMath>
@@ -19,7 +20,7 @@ const QColor kRed(251, 56, 56);
 /// The device pixel ratio that a test runs at; QT_SCALE_FACTOR sets it.
 inline qreal ratio()
 {
-    return qApp->devicePixelRatio();
+    return qApp->primaryScreen()->devicePixelRatio();
 }
 
 /// All physical pixels that an area of the canvas touches.

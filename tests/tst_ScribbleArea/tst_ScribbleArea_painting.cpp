@@ -9,7 +9,7 @@
 namespace
 {
 
-/// A canvas on a parent that is larger.
+/// A canvas on a parent that is larger and paints the picture on whole physical pixels.
 class Framed : public QWidget
 {
 public:
@@ -17,7 +17,7 @@ public:
     {
         resize(300, 250);
         canvas.setParent(this);
-        canvas.setGeometry(QRect(QPoint(50, 40), kSize));
+        canvas.setGeometry(QRect(QPoint(51, 43), kSize));
         // Shown first, since that paints everything.
         repaintedBy(*this, [] {});
     }
@@ -28,8 +28,24 @@ public:
         return repaintedBy(*this, action).translated(-canvas.pos());
     }
     QRegion all() const { return rect().translated(-canvas.pos()); }
+    /// What is on the screen.
+    QImage shown()
+    {
+        QCoreApplication::processEvents();
+        return screen()->grabWindow(winId()).toImage();
+    }
 
     Canvas canvas;
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QImage pixels = canvas.image();
+        pixels.setDevicePixelRatio(1);
+        QPainter painter(this);
+        painter.scale(1 / ratio(), 1 / ratio());
+        painter.drawImage(qRound(canvas.x() * ratio()), qRound(canvas.y() * ratio()), pixels);
+    }
 };
 
 const QPoint kFrom(150, 30);
@@ -55,6 +71,8 @@ private slots:
     void laterMovesOfAStrokeRepaintWhatChanged();
     void laterMovesOfAFrameRepaintOldAndNewPlace_data();
     void laterMovesOfAFrameRepaintOldAndNewPlace();
+    void movesLeaveNothingStale_data();
+    void movesLeaveNothingStale();
     void movesThatChangeNothingRepaintNothing();
     void changesRepaintThePicture();
     void shapeWithoutAFrameIsRepaintedByItsTool();
@@ -139,6 +157,48 @@ void tst_ScribbleArea_painting::laterMovesOfAFrameRepaintOldAndNewPlace()
     QVERIFY(both.adjusted(-6, -6, 6, 6).contains(painted.boundingRect()));
 }
 
+void tst_ScribbleArea_painting::movesLeaveNothingStale_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("state");
+    QTest::newRow("pen") << int(ScribbleArea::PAINT_SCRIBBLE) << 0;
+    QTest::newRow("mosaic") << int(ScribbleArea::PAINT_MOSAIC) << 0;
+    QTest::newRow("text") << int(ScribbleArea::PAINT_TEXT) << 0;
+    QTest::newRow("rectangle") << int(ScribbleArea::PAINT_GRAPH) << 0;
+    QTest::newRow("ellipse") << int(ScribbleArea::PAINT_GRAPH) << 1;
+    QTest::newRow("arrow") << int(ScribbleArea::PAINT_GRAPH) << 2;
+}
+
+// At fractions, the edge of what is repainted may lie within a physical pixel.
+void tst_ScribbleArea_painting::movesLeaveNothingStale()
+{
+    QFETCH(int, type);
+    QFETCH(int, state);
+    Framed parent;
+    Canvas& canvas = parent.canvas;
+    canvas.setPaintTypeToMosaic();
+    canvas.setGraphState(state);
+    canvas.setPaintType(ScribbleArea::PAINT_TYPE(type));
+    const auto isFresh = [&] {
+        const QImage shown = parent.shown();
+        parent.update();
+        return shown == parent.shown();
+    };
+    QRandomGenerator random(7);
+    const auto point = [&] { return QPoint(random.bounded(-10, 210), random.bounded(-10, 160)); };
+    for (int stroke = 0; stroke < 3; ++stroke) {
+        canvas.press(point());
+        for (int i = 0; i < 10; ++i) {
+            canvas.move(point());
+            QVERIFY(isFresh());
+        }
+        canvas.release(point());
+        QVERIFY(isFresh());
+    }
+    canvas.undo();
+    QVERIFY(isFresh());
+}
+
 void tst_ScribbleArea_painting::movesThatChangeNothingRepaintNothing()
 {
     Framed parent;
@@ -154,7 +214,9 @@ void tst_ScribbleArea_painting::changesRepaintThePicture()
 {
     Canvas canvas;
     canvas.resize(300, 250);
-    const QRegion pictureOnly = QRect(QPoint(), kSize);
+    const QSize pixels = canvas.image().size();
+    const QRegion pictureOnly =
+        QRect(0, 0, qCeil(pixels.width() / ratio()), qCeil(pixels.height() / ratio()));
     const QRegion all = canvas.rect();
     const QPen pen = roundPen(Qt::red, 9);
     const struct {

@@ -51,6 +51,8 @@ private slots:
     void dragThreshold();
     void shapeIsShownAndThenCommitted_data();
     void shapeIsShownAndThenCommitted();
+    void shapeIsShownOnThePixelsOfThePicture_data();
+    void shapeIsShownOnThePixelsOfThePicture();
     void otherToolsShowNoShape();
     void drawingAnArrowRestoresThePainter();
     void historyRectangleIsTheGrownFrame_data();
@@ -126,6 +128,31 @@ void tst_ScribbleArea_shapes::shapeIsShownAndThenCommitted()
     QCOMPARE(canvas.image(), drawnOn(picture(), shape));
     QVERIFY(canvas.modified());
     QVERIFY(!canvas.frame()->isVisible());
+}
+
+void tst_ScribbleArea_shapes::shapeIsShownOnThePixelsOfThePicture_data()
+{
+    shapeIsShownAndThenCommitted_data();
+}
+
+// The canvas itself may start between two of them.
+void tst_ScribbleArea_shapes::shapeIsShownOnThePixelsOfThePicture()
+{
+    QFETCH(int, state);
+    for (const QPoint& corner : {QPoint(51, 41), QPoint(50, 43), QPoint(54, 52)}) {
+        QWidget parent;
+        parent.resize(300, 250);
+        Canvas canvas;
+        canvas.setParent(&parent);
+        canvas.setGeometry(QRect(corner, kSize));
+        canvas.setGraphTool(state);
+        canvas.press(kPath[0]);
+        canvas.move(kPath[1]);
+        canvas.move(kPath[2]);
+        const QPoint start(qRound(corner.x() * ratio()), qRound(corner.y() * ratio()));
+        QCOMPARE(painted(parent).copy(QRect(start, canvas.image().size())),
+                 drawnOn(nothing(), [&](QPainter& painter) { drawShape(painter, canvas, state); }));
+    }
 }
 
 // The picture is left to the parent.

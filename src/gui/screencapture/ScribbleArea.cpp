@@ -14,6 +14,7 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QTextEdit>
+#include <QTransform>
 
 namespace
 {
@@ -58,6 +59,17 @@ void drawOn(QImage& picture, Draw draw)
     if (ratio < 1)
         painter.scale(ratio, ratio);
     draw(painter);
+}
+
+// The canvas may start within a physical pixel, and the picture is shown from the nearest one on.
+// So a shape is shown where it will be drawn.
+void startAtWholePixel(QPainter& painter)
+{
+    const QTransform device = painter.deviceTransform();
+    const auto distance = [&device](qreal start) {
+        return (pixels::nearestEdge(start, 1) - start) / device.m11();
+    };
+    painter.translate(distance(device.dx()), distance(device.dy()));
 }
 
 ArrowAttribute attributeOf(const QPen& pen)
@@ -633,7 +645,11 @@ void ScribbleArea::restoreDiffRect()
     Q_ASSERT(m_currentDiffIndex >= 0 && m_currentDiffIndex < m_diffRectStack.size());
     const DiffRect& entry = m_diffRectStack.at(m_currentDiffIndex);
     difference::apply(m_image, entry.position, entry.image);
-    update(pixels::outward(m_image.rect(), 1 / m_image.devicePixelRatio()));
+    const QRect picture = pixels::outward(m_image.rect(), 1 / m_image.devicePixelRatio());
+    update(picture);
+    // A picture on whole physical pixels may reach beyond a widget that is not.
+    if (parentWidget())
+        parentWidget()->update(picture.translated(pos()).adjusted(-1, -1, 1, 1));
 }
 
 void ScribbleArea::undo()
@@ -668,6 +684,7 @@ void ScribbleArea::paintEvent(QPaintEvent* /*event*/)
 {
     m_paintedFrame = frameArea();
     QPainter painter(this);
+    startAtWholePixel(painter);
     if (m_paintType == PAINT_GRAPH)
         renderGraph(painter);
     if (m_resizableRect->isVisible())
