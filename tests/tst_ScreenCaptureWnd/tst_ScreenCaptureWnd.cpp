@@ -29,6 +29,7 @@ private slots:
     void nothingIsSelectedAtFirst();
     void theSameWindowServesOneCapture();
     void fullDesktopSavesAndRestoresTheGeometry();
+    void fullDesktopIsNotManaged();
     void fullDesktopShowsTheWindowWhateverChanged();
     void failedGrabGivesNullPictures();
 
@@ -38,6 +39,7 @@ private slots:
     void receiverThatDiedIsForgotten();
 
     void saveDialogSuggestsAPngInTheWorkingDirectory();
+    void saveDialogIsQtsOwn();
     void saveWritesTheRegion_data();
     void saveWritesTheRegion();
     void saveCancelledLeavesEverything();
@@ -134,6 +136,26 @@ void tst_ScreenCaptureWnd::fullDesktopSavesAndRestoresTheGeometry()
     QCOMPARE(window()->geometry(), QApplication::desktop()->geometry());
 }
 
+void tst_ScreenCaptureWnd::fullDesktopIsNotManaged()
+{
+    m_capture.reset();
+    m_capture.reset(new CaptureProbe);
+    const Qt::WindowFlags flags = window()->windowFlags();
+    window()->setAttribute(Qt::WA_DeleteOnClose, false);
+    for (const bool full : {false, true, true, false, true}) {
+        window()->showFullDesktop(full);
+        const Qt::WindowFlags added = full ? Qt::X11BypassWindowManagerHint : Qt::WindowFlags();
+        QCOMPARE(window()->windowFlags(), flags | added);
+        QCOMPARE(window()->windowHandle()->flags() & Qt::X11BypassWindowManagerHint, added);
+    }
+    window()->reject();
+    QCOMPARE(window()->windowFlags(), flags | Qt::X11BypassWindowManagerHint);
+    window()->showFullDesktop(true);
+    QCOMPARE(window()->windowFlags(), flags | Qt::X11BypassWindowManagerHint);
+    window()->showFullDesktop(false);
+    QCOMPARE(window()->windowFlags(), flags);
+}
+
 void tst_ScreenCaptureWnd::fullDesktopShowsTheWindowWhateverChanged()
 {
     for (const bool full : {true, false, false}) {
@@ -220,6 +242,23 @@ void tst_ScreenCaptureWnd::saveDialogSuggestsAPngInTheWorkingDirectory()
     });
     window()->save();
     QVERIFY(asked);
+}
+
+// Other dialogs of the host's are as it wants them.
+void tst_ScreenCaptureWnd::saveDialogIsQtsOwn()
+{
+    for (const bool hosts : {false, true}) {
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, hosts);
+        bool inside = false;
+        whileSaving([&inside](QFileDialog& dialog) {
+            inside = QCoreApplication::testAttribute(Qt::AA_DontUseNativeDialogs);
+            dialog.reject();
+        });
+        window()->save();
+        QVERIFY(inside);
+        QCOMPARE(QCoreApplication::testAttribute(Qt::AA_DontUseNativeDialogs), hosts);
+    }
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, false);
 }
 
 void tst_ScreenCaptureWnd::saveWritesTheRegion_data()

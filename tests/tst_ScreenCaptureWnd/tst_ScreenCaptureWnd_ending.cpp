@@ -3,6 +3,7 @@
 #include "Pictures.h"
 
 #include <QEventLoop>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QtTest/qtestspontaneevent.h>
 
@@ -12,6 +13,23 @@ namespace
 const QRect kRegion(QPoint(20, 20), QPoint(219, 169));
 constexpr QPoint kOutside(400, 300);
 const QImage kDesktop = places(QSize(800, 800));
+
+// What Qt says when a display changes, which the offscreen platform cannot.
+void addScreen()
+{
+    emit qApp->screenAdded(QGuiApplication::primaryScreen());
+}
+
+void removeScreen()
+{
+    emit qApp->screenRemoved(QGuiApplication::primaryScreen());
+}
+
+void resizeScreen()
+{
+    QScreen* const screen = QGuiApplication::primaryScreen();
+    emit screen->geometryChanged(screen->geometry());
+}
 
 /// A way in which a capture with a region ends.
 struct Ending {
@@ -41,6 +59,9 @@ const Ending kEndings[] = {
          c.click(kOutside, Qt::RightButton);
      }},
     {"closed", false, [](const CaptureProbe& c) { c.window()->close(); }},
+    {"screen added", false, [](const CaptureProbe&) { addScreen(); }},
+    {"screen removed", false, [](const CaptureProbe&) { removeScreen(); }},
+    {"screen resized", false, [](const CaptureProbe&) { resizeScreen(); }},
     {"hidden, then closed", false,
      [](const CaptureProbe& c) {
          c.window()->hide();
@@ -64,6 +85,7 @@ private slots:
     void endsWithoutARegion();
     void endsBeforeItWasShown_data();
     void endsBeforeItWasShown();
+    void screensChangeWhileItIsHidden();
     void otherButtonsDoNotFinishByDoubleClick();
     void doubleClickReachesTheCanvas();
 
@@ -199,6 +221,19 @@ void tst_ScreenCaptureWnd_ending::endsBeforeItWasShown()
     QVERIFY(m_capture->isGone());
     QCOMPARE(m_receiver->count, 1);
     QCOMPARE(m_receiver->finished, finished);
+}
+
+void tst_ScreenCaptureWnd_ending::screensChangeWhileItIsHidden()
+{
+    window()->hide();
+    addScreen();
+    removeScreen();
+    resizeScreen();
+    deliver();
+    QCOMPARE(m_receiver->count, 0);
+    QVERIFY(!m_capture->isGone());
+    window()->showFullDesktop(true);
+    QCOMPARE(window()->captureImage(), m_selected);
 }
 
 void tst_ScreenCaptureWnd_ending::otherButtonsDoNotFinishByDoubleClick()
