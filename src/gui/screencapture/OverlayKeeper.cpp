@@ -6,6 +6,7 @@
 #include <QSocketNotifier>
 #include <QWindow>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <vector>
@@ -38,10 +39,16 @@ bool isDialog(const QWindow* window)
     return window && (window->type() == Qt::Dialog || window->modality() != Qt::NonModal);
 }
 
+// One that was open before is managed, and stays below.
+bool isUnmanagedDialog(const QWindow* window)
+{
+    return isDialog(window) && window->flags() & Qt::BypassWindowManagerHint;
+}
+
 // Menus, lists and tool tips are never managed.
 bool standsAboveOverlay(const QWindow* window)
 {
-    return isDialog(window) ||
+    return isUnmanagedDialog(window) ||
            (window && (window->type() == Qt::Popup || window->type() == Qt::ToolTip));
 }
 
@@ -149,11 +156,12 @@ void OverlayKeeper::handle(const xcb_generic_event_t& event)
 void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
 {
     const QWindow* window = ownWindow(event.window);
-    if (window == m_overlay) {
+    if (window == m_overlay || isUnmanagedDialog(window)) {
         const std::uint32_t mask = XCB_EVENT_MASK_FOCUS_CHANGE;
         xcb_change_window_attributes(m_connection, event.window, XCB_CW_EVENT_MASK, &mask);
-        giveFocus(event.window);
-    } else if (isDialog(window)) {
+        // A window that is shown again appears where it was in the stack.
+        const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+        xcb_configure_window(m_connection, event.window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
         giveFocus(event.window);
     } else if (!event.override_redirect) {
         keepAbove(event.window);
@@ -170,11 +178,15 @@ void OverlayKeeper::windowMoved(const xcb_configure_notify_event_t& event)
 // Unmanaged windows may stand above: the candidates of an input method have to be seen.
 void OverlayKeeper::keepAbove(xcb_window_t managed)
 {
-    const auto overlay = static_cast<xcb_window_t>(m_overlay->winId());
-    raiseIfCovered(overlay, managed);
-    for (const xcb_window_t id : windowsFromBelow(m_connection, m_root)) {
-        if (standsAboveOverlay(ownWindow(id)))
-            raiseIfCovered(id, overlay);
+    const auto stack = windowsFromBelow(m_connection, m_root);
+    const auto overlay = std::find(stack.begin(), stack.end(), m_overlay->winId());
+    const auto covering = std::find(overlay, stack.end(), managed);
+    if (covering == stack.end())
+        return;
+    // From above, because each of them comes to stand under those before it.
+    for (auto own = covering; own-- != overlay;) {
+        if (own == overlay || standsAboveOverlay(ownWindow(*own)))
+            putAbove(*own, managed);
     }
     xcb_flush(m_connection);
 }
@@ -183,12 +195,12 @@ void OverlayKeeper::keepAbove(xcb_window_t managed)
 void OverlayKeeper::keepKeyboard()
 {
     const QWindow* holder = ownWindow(focus());
-    if (m_pause.isActive() || holder == m_overlay || isDialog(holder))
+    if (m_pause.isActive() || holder == m_overlay || isUnmanagedDialog(holder))
         return;
     auto heir = static_cast<xcb_window_t>(m_overlay->winId());
     for (const xcb_window_t id : windowsFromBelow(m_connection, m_root)) {
         const QWindow* window = ownWindow(id);
-        if (isDialog(window) && window->isVisible())
+        if (isUnmanagedDialog(window) && window->isVisible())
             heir = id;
     }
     giveFocus(heir);
@@ -209,9 +221,9 @@ void OverlayKeeper::giveFocus(xcb_window_t id)
     xcb_flush(m_connection);
 }
 
-void OverlayKeeper::raiseIfCovered(xcb_window_t id, xcb_window_t by)
+void OverlayKeeper::putAbove(xcb_window_t id, xcb_window_t other)
 {
-    const std::uint32_t siblingAndMode[] = {by, XCB_STACK_MODE_TOP_IF};
+    const std::uint32_t siblingAndMode[] = {other, XCB_STACK_MODE_ABOVE};
     xcb_configure_window(m_connection, id, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
                          siblingAndMode);
 }

@@ -43,7 +43,7 @@ private:
     void keepKeyboard();
     xcb_window_t focus() const;
     void giveFocus(xcb_window_t id);
-    void raiseIfCovered(xcb_window_t id, xcb_window_t by);
+    void putAbove(xcb_window_t id, xcb_window_t other);
 
     QWindow* m_overlay;
     xcb_connection_t* m_connection = nullptr;

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+
+#include <cstdlib>
+#include <memory>
+
+#include <xcb/xcb.h>
+
+/// The X server as another program than the tested one sees and uses it.
+class XServer
+{
+public:
+    XServer()
+        : m_connection(xcb_connect(nullptr, nullptr))
+        , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root)
+    {
+    }
+    ~XServer() { xcb_disconnect(m_connection); }
+    XServer(const XServer&) = delete;
+    XServer& operator=(const XServer&) = delete;
+
+    /// What has the keyboard: a window, or one of the values of xcb_input_focus_t.
+    xcb_window_t focus() const
+    {
+        const auto reply = owned(
+            xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+        return reply ? reply->focus : XCB_NONE;
+    }
+
+    void setFocus(xcb_window_t window) const
+    {
+        xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+        focus(); // Comes back once the server has done it.
+    }
+
+    /// Whether a click at `p` would go to that window.
+    bool isTopmost(xcb_window_t window, const QPoint& p) const
+    {
+        for (xcb_window_t at = m_root; at != XCB_NONE;) {
+            const auto reply = owned(xcb_translate_coordinates_reply(
+                m_connection,
+                xcb_translate_coordinates(m_connection, m_root, at, static_cast<qint16>(p.x()),
+                                          static_cast<qint16>(p.y())),
+                nullptr));
+            at = reply ? reply->child : XCB_NONE;
+            if (at == window)
+                return true;
+        }
+        return false;
+    }
+
+    /// Shows a window above all others.
+    xcb_window_t showWindow(const QRect& r, bool isManaged) const
+    {
+        const xcb_window_t window = xcb_generate_id(m_connection);
+        const std::uint32_t overrideRedirect = isManaged ? 0 : 1;
+        xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, window, m_root,
+                          static_cast<qint16>(r.x()), static_cast<qint16>(r.y()),
+                          static_cast<quint16>(r.width()), static_cast<quint16>(r.height()), 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                          XCB_CW_OVERRIDE_REDIRECT, &overrideRedirect);
+        xcb_map_window(m_connection, window);
+        focus();
+        return window;
+    }
+
+    void raise(xcb_window_t window) const
+    {
+        const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+        xcb_configure_window(m_connection, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        focus();
+    }
+
+    void destroy(xcb_window_t window) const
+    {
+        xcb_destroy_window(m_connection, window);
+        focus();
+    }
+
+private:
+    template <typename Reply>
+    static std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply)
+    {
+        return {reply, &std::free};
+    }
+
+    xcb_connection_t* m_connection;
+    xcb_window_t m_root;
+};
