@@ -60,6 +60,7 @@ private slots:
     void init();
     void everyCaptureGrabsAnew();
     void windowStaysOnTopOfLaterWindows();
+    void movedWindowShowsAndDeliversWhatLiesThere();
     void movedRegionLeavesNoTrace();
     void partPaintedAnewIsAsItWas();
     void barsAreSeenOverTheCanvas();
@@ -154,6 +155,22 @@ void tst_ScreenCaptureWnd_desktops::windowStaysOnTopOfLaterWindows()
     later.show();
     QTRY_VERIFY(later.windowHandle()->isExposed());
     QTRY_COMPARE(screen(), overlay(kRegion));
+}
+
+void tst_ScreenCaptureWnd_desktops::movedWindowShowsAndDeliversWhatLiesThere()
+{
+    constexpr QPoint kMoved(-37, 53);
+    const QRect selected = kRegion.translated(kMoved);
+    const QRect inside = selected.adjusted(10, 10, -10, -10);
+    m_capture->loupe()->hide();
+    window()->move(kMoved);
+    QTRY_COMPARE(screenshot(), drawnOn(m_desktop->picture(), [&](QPainter& painter) {
+                     painter.fillRect(screenRect().translated(kMoved), QColor(0, 0, 0, 100));
+                 }));
+    m_capture->drag(kRegion);
+    QTRY_COMPARE(screenshot().copy(inside), m_desktop->picture().copy(inside));
+    window()->accept();
+    expectDelivered(m_desktop->picture().copy(selected));
 }
 
 void tst_ScreenCaptureWnd_desktops::movedRegionLeavesNoTrace()

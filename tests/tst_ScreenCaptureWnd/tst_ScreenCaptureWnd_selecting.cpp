@@ -61,6 +61,7 @@ private slots:
     void loupeShowsTheDraggedEdge_data();
     void loupeShowsTheDraggedEdge();
     void loupeForgetsTheHandleOfADroppedRegion();
+    void loupeShowsWhatLiesWhereTheWindowStands();
     void loupeFlipsAtTheEdges_data();
     void loupeFlipsAtTheEdges();
 
@@ -310,6 +311,17 @@ void tst_ScreenCaptureWnd_selecting::loupeForgetsTheHandleOfADroppedRegion()
     window()->reset();
     m_capture->hover(kFarOutside);
     QVERIFY(shows(m_capture->loupe(), kFarOutside));
+}
+
+void tst_ScreenCaptureWnd_selecting::loupeShowsWhatLiesWhereTheWindowStands()
+{
+    constexpr QPoint kMoved(-37, 53);
+    window()->move(kMoved);
+    QCOMPARE(window()->mapToGlobal(QPoint()), kMoved);
+    m_capture->press(kFrom);
+    m_capture->move(kTo);
+    QVERIFY(shows(m_capture->loupe(), kTo + kMoved));
+    QCOMPARE(m_capture->loupe()->pos(), kTo + kBesideLoupe);
 }
 
 void tst_ScreenCaptureWnd_selecting::loupeFlipsAtTheEdges_data()

@@ -294,6 +294,13 @@ void ScreenCaptureWnd::reject()
         deliverAndHide(QImage(), false);
 }
 
+// What the window shows depends on where it stands.
+void ScreenCaptureWnd::moveEvent(QMoveEvent* event)
+{
+    update();
+    QDialog::moveEvent(event);
+}
+
 // A host that keeps the window takes another capture by showing it again.
 void ScreenCaptureWnd::showEvent(QShowEvent* event)
 {
