@@ -34,6 +34,7 @@ class tst_icons_dense : public BehaviourTest
 
 private slots:
     void pixmapIsThatOfTheRatio();
+    void disabledIconIsAsLargeAsTheOther();
     void buttonLooksAsQtMakesItForADenseHost_data();
     void buttonLooksAsQtMakesItForADenseHost();
 };
@@ -50,6 +51,14 @@ void tst_icons_dense::pixmapIsThatOfTheRatio()
         QVERIFY(!expected.isNull());
         QVERIFY(icons::pixmap("cursor", scale).toImage() == expected);
     }
+}
+
+void tst_icons_dense::disabledIconIsAsLargeAsTheOther()
+{
+    const QIcon icon = icons::paleWhileDisabled("redo");
+    const QSize physical = QSize(16, 16) * qApp->devicePixelRatio();
+    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled})
+        QVERIFY(icon.availableSizes(mode).contains(physical));
 }
 
 void tst_icons_dense::buttonLooksAsQtMakesItForADenseHost_data()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Icons.h"
 
-#include <QIcon>
+#include <QApplication>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOptionButton>
@@ -67,6 +67,18 @@ QPixmap pixmap(const QString& name, qreal ratio)
         result = result.scaled(result.size() * (ratio / scale), Qt::IgnoreAspectRatio,
                                Qt::SmoothTransformation);
     result.setDevicePixelRatio(ratio);
+    return result;
+}
+
+QIcon paleWhileDisabled(const QString& name)
+{
+    QStyleOption option;
+    option.palette = QPalette(Qt::white);
+    QIcon result(file(name));
+    for (const qreal ratio : {1.0, qApp->devicePixelRatio()})
+        result.addPixmap(
+            qApp->style()->generatedIconPixmap(QIcon::Disabled, pixmap(name, ratio), &option),
+            QIcon::Disabled);
     return result;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QIcon>
 #include <QPixmap>
 #include <QPushButton>
 #include <QString>
@@ -15,6 +16,10 @@ QString file(const QString& name);
 
 /// An icon that covers as many physical pixels as `ratio` makes of its size.
 QPixmap pixmap(const QString& name, qreal ratio);
+
+/// An icon for a white bar. A style fades a disabled icon into the palette's window colour, which
+/// may be dark.
+QIcon paleWhileDisabled(const QString& name);
 
 /// A button that paints its icon in physical pixels.
 class Button : public QPushButton

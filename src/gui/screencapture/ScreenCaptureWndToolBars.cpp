@@ -18,8 +18,6 @@
 #include <QPen>
 #include <QPushButton>
 #include <QSlider>
-#include <QStyle>
-#include <QStyleOption>
 
 #include <algorithm>
 #include <initializer_list>
@@ -48,20 +46,6 @@ constexpr int kMosaicExtraWidthPx = 15;
 
 // Intended: it exists beside the window, which does not use it.
 [[maybe_unused]] const ScreenCaptureToolColors s_penColors;
-
-// A style fades a disabled icon into the palette's window colour, which may be dark. The bars are
-// white.
-QIcon paleWhileDisabled(const QString& name)
-{
-    QStyleOption option;
-    option.palette = QPalette(Qt::white);
-    QIcon result(icons::file(name));
-    for (const qreal ratio : {1.0, qApp->devicePixelRatio()})
-        result.addPixmap(qApp->style()->generatedIconPixmap(QIcon::Disabled,
-                                                            icons::pixmap(name, ratio), &option),
-                         QIcon::Disabled);
-    return result;
-}
 
 QPen withWidth(QPen pen, int width)
 {
@@ -361,7 +345,7 @@ void ScreenCaptureWnd::initToolBars()
     btnUndo->setFixedSize(kButtonSizePx);
     btnUndo->setShortcut(QKeySequence::Undo);
     m_btnRedo = createCommandButton(this, "redo", tr("redo"), SLOT(redo()));
-    m_btnRedo->setIcon(paleWhileDisabled("redo"));
+    m_btnRedo->setIcon(icons::paleWhileDisabled("redo"));
     m_btnRedo->setEnabled(false);
     m_btnRedo->setShortcut(QKeySequence::Redo);
     // Intended: the redo button keeps the size that the layout gives it.
