@@ -219,7 +219,7 @@ void tst_ScribbleArea_shapes::historyRectangleIsTheGrownFrame()
     canvas.setGraphTool(state);
     canvas.drag(QPoint(30, 60), QPoint(130, 64));
     canvas.completeScribble();
-    const int half = ratio() == 1 ? width / 2 : (width + 1) / 2;
+    const int half = width / 2 + (ratio() == 1 ? 0 : 1);
     QCOMPARE(canvas.areaOf(0),
              inPixels(edges(30, 60, 130, 64).adjusted(-half, -half, half + 1, half + 1)));
     const QImage drawn = canvas.image();

@@ -397,10 +397,9 @@ void ScribbleArea::drawGraph()
 {
     drawOn(m_image, [this](QPainter& painter) { renderGraph(painter); });
     m_modified = true;
-    // Intended: the frame grown by half the pen, even where the shape reaches beyond it. At a ratio
-    // of 1, half of an odd pen is rounded down.
-    const int odd = m_image.devicePixelRatio() == 1 ? 0 : 1;
-    const int half = (currentGraphPen().width() + odd) / 2;
+    // Intended: the frame grown by half the pen, even where the shape reaches beyond it. At other
+    // ratios than 1 by one more, for the soft edge and for half a pixel of an odd pen.
+    const int half = currentGraphPen().width() / 2 + (m_image.devicePixelRatio() == 1 ? 0 : 1);
     m_diffRect = m_resizableRect->rect().adjusted(-half, -half, half + 1, half + 1);
 }
 
