@@ -67,10 +67,10 @@ public:
         return window;
     }
 
-    void raise(xcb_window_t window) const
+    /// Puts a window above or below all others.
+    void restack(xcb_window_t window, std::uint32_t mode) const
     {
-        const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-        xcb_configure_window(m_connection, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        xcb_configure_window(m_connection, window, XCB_CONFIG_WINDOW_STACK_MODE, &mode);
         focus();
     }
 

@@ -48,6 +48,7 @@ private slots:
     void overlayIsAboveAManagedWindow();
     void overlayThatIsShownAgainIsAbove();
     void overlayIsAboveAManagedWindowThatIsRaised();
+    void overlayStaysWhereItIsWhenAWindowBelowIsLowered();
     void unmanagedWindowStaysAbove();
     void ownPopupStaysAbove_data();
     void ownPopupStaysAbove();
@@ -184,8 +185,21 @@ void tst_OverlayKeeper::overlayIsAboveAManagedWindowThatIsRaised()
     const xcb_window_t other = m_server->showWindow(kOther, true);
     keep();
     QTRY_VERIFY(m_server->isTopmost(overlay(), kShared));
-    m_server->raise(other);
+    m_server->restack(other, XCB_STACK_MODE_ABOVE);
     QTRY_VERIFY(m_server->isTopmost(overlay(), kShared));
+}
+
+// The keeper has seen it once it answers what comes later.
+void tst_OverlayKeeper::overlayStaysWhereItIsWhenAWindowBelowIsLowered()
+{
+    m_server->showWindow(kOther, true);
+    const xcb_window_t lowered = m_server->showWindow(kOther, true);
+    keep();
+    QTRY_VERIFY(m_server->isTopmost(overlay(), kShared));
+    m_server->restack(lowered, XCB_STACK_MODE_BELOW);
+    m_server->setFocus(lowered);
+    QTRY_COMPARE(m_server->focus(), overlay());
+    QVERIFY(m_server->isTopmost(overlay(), kShared));
 }
 
 // It opens before the keeper knows of the managed one.
@@ -262,7 +276,7 @@ void tst_OverlayKeeper::dialogThatWasOpenBeforeStaysBelow()
     dialog.show();
     QVERIFY(QTest::qWaitForWindowExposed(&dialog));
     keep();
-    m_server->raise(idOf(dialog));
+    m_server->restack(idOf(dialog), XCB_STACK_MODE_ABOVE);
     QTRY_VERIFY(m_server->isTopmost(overlay(), kShared));
     m_server->setFocus(idOf(dialog));
     QTRY_COMPARE(m_server->focus(), overlay());
