@@ -12,6 +12,7 @@ check_command() {
         'tools/fuzz 600') bash -n tools/fuzz ;;
         'ctest --preset '*' -L '*)
             is_suite "$(cut -d ' ' -f 3 <<<"$1")" && grep -rq "label_long(.* ${1##* })" tests/hardening ;;
+        'tests/desktops/table build/dev') bash -n tests/desktops/table ;;
         tools/mutate*) run "$1 --list" ;;
         ./bench*) [ -x bench ] && grep -q -- '"--size"' bench ;;
         tools/install-packages | 'tools/install-packages packaging' | 'tools/install-packages memory') run "$1" ;;

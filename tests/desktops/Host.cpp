@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+// A host that takes one capture and says on request where its widgets stand and what they hold:
+//   desktop-host PICTURE
+// It answers each line that it reads with one line. At the end it writes the picture and a last
+// line, "captured" or "cancelled".
+#include <ScreenCaptureTool.h>
+#include <ScreenCaptureWnd.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QDir>
+#include <QLineEdit>
+#include <QSocketNotifier>
+#include <QTextEdit>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+namespace
+{
+
+void say(const QString& line)
+{
+    std::cout << line.toStdString() << std::endl;
+}
+
+/// The visible widget of that object name, class or tool tip.
+QWidget* findWidget(const QString& name)
+{
+    for (QWidget* widget : QApplication::allWidgets()) {
+        const bool isMeant = widget->objectName() == name || widget->toolTip() == name ||
+                             widget->inherits(name.toLatin1());
+        if (isMeant && widget->isVisible())
+            return widget;
+    }
+    return nullptr;
+}
+
+/// The native window, and the widget's rectangle in it.
+QString place(QWidget* widget)
+{
+    if (!widget)
+        return "nowhere";
+    const QWidget* window = widget->window();
+    const QPoint p = widget->mapTo(window, QPoint());
+    return QStringLiteral("%1 %2 %3 %4 %5")
+        .arg(window->windowHandle()->winId())
+        .arg(p.x())
+        .arg(p.y())
+        .arg(widget->width())
+        .arg(widget->height());
+}
+
+QString content(QWidget* widget)
+{
+    if (auto* box = qobject_cast<QComboBox*>(widget))
+        return box->currentText();
+    if (auto* line = qobject_cast<QLineEdit*>(widget))
+        return line->text();
+    if (auto* text = qobject_cast<QTextEdit*>(widget))
+        return text->toPlainText();
+    return "nothing";
+}
+
+void openDialog()
+{
+    auto* dialog = new QDialog;
+    dialog->setObjectName("dialog of the host");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    auto* line = new QLineEdit;
+    line->setObjectName("line of the dialog");
+    (new QVBoxLayout(dialog))->addWidget(line);
+    dialog->show();
+}
+
+/// Reads lines from standard input while the event loop runs.
+class Questions : public QObject
+{
+public:
+    Questions()
+        : m_notifier(fileno(stdin), QSocketNotifier::Read)
+    {
+        connect(&m_notifier, &QSocketNotifier::activated, this, &Questions::answer);
+    }
+
+private:
+    void answer()
+    {
+        std::string line;
+        if (!std::getline(std::cin, line)) {
+            m_notifier.setEnabled(false);
+            return;
+        }
+        const QString question = QString::fromStdString(line);
+        const QString what = question.section(' ', 1);
+        if (question.startsWith("where ")) {
+            say(place(findWidget(what)));
+        } else if (question.startsWith("content ")) {
+            say(content(findWidget(what)));
+        } else {
+            openDialog();
+            say("opened");
+        }
+    }
+
+    QSocketNotifier m_notifier;
+};
+
+class Receiver : public QObject
+{
+    Q_OBJECT
+
+public slots:
+    void onCaptured(const QImage& picture, bool finished)
+    {
+        if (finished)
+            picture.save(QApplication::arguments().at(1));
+        say(finished ? "captured" : "cancelled");
+        QApplication::quit();
+    }
+};
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    ScreenCaptureTool::init(QDir::homePath());
+    Receiver receiver;
+    Questions questions;
+    ScreenCaptureWnd* capture = ScreenCaptureWnd::screenCaptureWnd();
+    capture->connectTo(&receiver, SLOT(onCaptured(QImage, bool)));
+    capture->showFullDesktop(true);
+    return QApplication::exec();
+}
+
+#include "Host.moc"
