@@ -69,6 +69,15 @@ public:
         xcb_flush(m_connection);
     }
 
+    /// Puts the window below all others. The server has done so on return.
+    void lower(xcb_window_t window) const
+    {
+        const std::uint32_t below = XCB_STACK_MODE_BELOW;
+        std::free(xcb_request_check(
+            m_connection, xcb_configure_window_checked(m_connection, window,
+                                                       XCB_CONFIG_WINDOW_STACK_MODE, &below)));
+    }
+
     bool isViewable(xcb_window_t window) const
     {
         const auto reply = owned(xcb_get_window_attributes_reply(

@@ -29,6 +29,11 @@ bool isManagerRefusing()
     return qgetenv("manager") == "refusing";
 }
 
+bool hasPanel()
+{
+    return qgetenv("panel") != "none";
+}
+
 bool eventually(const std::function<bool()>& condition)
 {
     return QTest::qWaitFor(condition, kDesktopPatienceMs);
@@ -280,6 +285,8 @@ private slots:
     void changeOfScreensNeverGivesAWrongPicture();
 
 private:
+    bool isDesktopBelowPanel() const;
+    bool areNotesSeen() const;
     void startCapture();
     QImage stillPicture();
     bool hasKeyboard() const;
@@ -321,13 +328,20 @@ void tst_desktops::initTestCase()
     for (const QRect& screen : screens())
         all |= screen;
     QCOMPARE(all, m_server->desktop());
+    // The managers that know what a desktop is keep it below the panel; to the others it is nothing
+    // that they manage.
+    const bool isManaged = qgetenv("panel") == "xfce4-panel";
     m_desktop.reset(
-        new Picture(places(m_server->desktop().size()), Qt::X11BypassWindowManagerHint));
+        new Picture(places(m_server->desktop().size()),
+                    isManaged ? Qt::FramelessWindowHint : Qt::X11BypassWindowManagerHint));
+    m_desktop->setAttribute(Qt::WA_X11NetWmWindowTypeDesktop, isManaged);
     // A compositing manager does not composite what an opaque window covers wholly.
     m_desktop->setAttribute(Qt::WA_TranslucentBackground);
     m_desktop->move(0, 0);
     m_desktop->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_desktop.data()));
     m_desktop->lower();
+    QVERIFY2(eventually([this] { return isDesktopBelowPanel(); }), "the desktop is not seen");
     // Of a fixed size, so that a tiling manager lets it float.
     m_notes.reset(new Picture(noise(kNotesSizePx),
                               isManagerRefusing() ? Qt::X11BypassWindowManagerHint : Qt::Window));
@@ -336,7 +350,23 @@ void tst_desktops::initTestCase()
     m_line->setGeometry(20, 20, 200, 30);
     m_notes->move(screens().first().topLeft() + QPoint(60, 90));
     m_notes->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_notes.data()));
+    QVERIFY2(eventually([this] { return areNotesSeen(); }), "the other window is not seen");
+}
+
+/// The panel is at the top of the first screen.
+bool tst_desktops::isDesktopBelowPanel() const
+{
+    const QImage seen = m_server->picture();
+    const QRect screen = screens().first();
+    const auto isDesktop = [&](const QPoint& p) { return placeIn(seen.pixel(p)) == text(p); };
+    return isDesktop(screen.bottomRight()) && isDesktop(screen.topLeft()) != hasPanel();
+}
+
+bool tst_desktops::areNotesSeen() const
+{
+    const QPoint corner(kNotesSizePx.width() - 1, kNotesSizePx.height() - 1);
+    return m_server->picture().pixel(m_notes->mapToGlobal(corner)) ==
+           noise(kNotesSizePx).pixel(corner);
 }
 
 void tst_desktops::init()
