@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QImage>
 #include <QPoint>
 #include <QRect>
 
@@ -78,6 +79,72 @@ public:
     {
         xcb_destroy_window(m_connection, window);
         focus();
+    }
+
+    /// All that the server shows, also where no screen is.
+    QImage picture() const
+    {
+        const QSize size = geometry(m_root).size();
+        const auto reply =
+            owned(xcb_get_image_reply(m_connection,
+                                      xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_root,
+                                                    0, 0, static_cast<quint16>(size.width()),
+                                                    static_cast<quint16>(size.height()), ~0U),
+                                      nullptr));
+        if (!reply)
+            return {};
+        return QImage(xcb_get_image_data(reply.get()), size.width(), size.height(),
+                      QImage::Format_RGB32)
+            .copy();
+    }
+
+    /// Where a window stands on the root window; null where there is none.
+    QRect geometry(xcb_window_t window) const
+    {
+        const auto size = owned(
+            xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr));
+        const auto place = owned(xcb_translate_coordinates_reply(
+            m_connection, xcb_translate_coordinates(m_connection, window, m_root, 0, 0), nullptr));
+        if (!size || !place)
+            return {};
+        return {place->dst_x, place->dst_y, size->width, size->height};
+    }
+
+    /// The root window, which is as large as all screens together.
+    QRect desktop() const { return geometry(m_root); }
+
+    bool isViewable(xcb_window_t window) const
+    {
+        const auto reply = owned(xcb_get_window_attributes_reply(
+            m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
+        return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
+
+    bool grabPointer() const
+    {
+        const auto reply = owned(xcb_grab_pointer_reply(
+            m_connection,
+            xcb_grab_pointer(m_connection, 0, m_root, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                             XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
+            nullptr));
+        return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    }
+
+    bool grabKeyboard() const
+    {
+        const auto reply = owned(
+            xcb_grab_keyboard_reply(m_connection,
+                                    xcb_grab_keyboard(m_connection, 0, m_root, XCB_CURRENT_TIME,
+                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                    nullptr));
+        return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    }
+
+    void ungrab() const
+    {
+        xcb_ungrab_pointer(m_connection, XCB_CURRENT_TIME);
+        xcb_ungrab_keyboard(m_connection, XCB_CURRENT_TIME);
+        xcb_flush(m_connection);
     }
 
 private:
