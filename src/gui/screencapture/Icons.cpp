@@ -19,7 +19,7 @@ QIcon emptyIcon(const QSize& size)
 {
     QPixmap empty(size);
     empty.fill(Qt::transparent);
-    return QIcon(empty);
+    return {empty};
 }
 
 // The icon and the text are centred side by side.
