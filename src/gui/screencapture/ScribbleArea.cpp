@@ -644,11 +644,8 @@ void ScribbleArea::restoreDiffRect()
     Q_ASSERT(m_currentDiffIndex >= 0 && m_currentDiffIndex < m_diffRectStack.size());
     const DiffRect& entry = m_diffRectStack.at(m_currentDiffIndex);
     difference::apply(m_image, entry.position, entry.image);
-    const QRect picture = pixels::outward(m_image.rect(), 1 / m_image.devicePixelRatio());
-    update(picture);
     // A picture on whole physical pixels may reach beyond a widget that is not.
-    if (parentWidget())
-        parentWidget()->update(picture.translated(pos()).adjusted(-1, -1, 1, 1));
+    updateChanged(pixels::outward(m_image.rect(), 1 / m_image.devicePixelRatio()));
 }
 
 void ScribbleArea::undo()
