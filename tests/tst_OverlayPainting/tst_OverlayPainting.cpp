@@ -26,30 +26,48 @@ QVector<QRect> changedRects()
     return rects;
 }
 
-/// What `draw` paints in `changed` of an otherwise magenta window.
-template <typename Draw>
-QImage paintedIn(const QRect& changed, qreal devicePixelRatio, Draw draw)
+/// Each edge rounded to the nearest.
+QRect physical(const QRect& r, qreal ratio)
 {
-    QImage window(kWindow * devicePixelRatio, QImage::Format_RGB32);
-    window.setDevicePixelRatio(devicePixelRatio);
+    const auto edge = [ratio](int coordinate) { return qFloor(coordinate * ratio + 0.5); };
+    return {QPoint(edge(r.left()), edge(r.top())),
+            QPoint(edge(r.right() + 1) - 1, edge(r.bottom() + 1) - 1)};
+}
+
+/// What `draw` paints in `changed` of an otherwise magenta window. The painter is one as Qt gives
+/// it to the window.
+template <typename Draw>
+QImage paintedIn(const QRect& changed, qreal ratio, Draw draw)
+{
+    QImage window(physical(QRect(QPoint(), kWindow), ratio).size(), QImage::Format_RGB32);
+    window.setDevicePixelRatio(ratio);
     window.fill(Qt::magenta);
-    return drawnOn(window, [&](QPainter& painter) {
+    QImage image = drawnOn(window, [&](QPainter& painter) {
+        painter.scale(qMin(ratio, 1.0), qMin(ratio, 1.0));
         painter.setClipRect(changed);
         draw(painter, changed);
     });
+    image.setDevicePixelRatio(1);
+    return image;
 }
 
-/// Compares the layers of `scene` with what `draw` paints, whatever changed.
+/// Compares the layers of `scene` with what `draw` paints pixel on pixel, whatever changed.
 template <typename Draw>
 void compareLayers(const overlay::Scene& scene, Draw draw)
 {
-    const qreal ratio = scene.desktop.devicePixelRatio();
+    const qreal ratio = scene.desktop.ratio;
     for (const QRect& changed : changedRects()) {
         const QImage shown = paintedIn(changed, ratio, [&](QPainter& painter, const QRect& area) {
             overlay::paintSurround(painter, scene, area);
             overlay::paintRegion(painter, scene);
         });
-        QCOMPARE(shown, paintedIn(changed, ratio, draw));
+        QImage expected(shown.size(), QImage::Format_RGB32);
+        expected.fill(Qt::magenta);
+        const QRect pixels = physical(changed, ratio);
+        QCOMPARE(shown, drawnOn(expected, [&](QPainter& painter) {
+                     painter.setClipRect(pixels);
+                     draw(painter, pixels);
+                 }));
     }
 }
 
@@ -58,7 +76,7 @@ void paintPlainly(QPainter& painter, const QImage& desktop, const QRect& region,
                   const Canvas& canvas, const QPoint& desktopPos)
 {
     painter.drawImage(desktopPos, desktop);
-    painter.fillRect(QRect(QPoint(), kWindow), QColor(0, 0, 0, 100));
+    painter.fillRect(painter.window(), QColor(0, 0, 0, 100));
     if (canvas)
         painter.drawImage(region.topLeft(), *canvas);
     else if (!region.isEmpty())
@@ -66,21 +84,16 @@ void paintPlainly(QPainter& painter, const QImage& desktop, const QRect& region,
 }
 
 overlay::Scene sceneOf(const QImage& desktop, const QRect& region = QRect(),
-                       const Canvas& canvas = {}, const QPoint& desktopPos = QPoint())
+                       const Canvas& canvas = {}, const QPoint& desktopPos = QPoint(),
+                       qreal ratio = 1)
 {
-    return {desktop, overlay::dimmed(desktop), desktopPos, QRect(QPoint(), kWindow), region,
+    return {{desktop, overlay::dimmed(desktop), -desktopPos, ratio},
+            QRect(QPoint(), kWindow),
+            region,
             canvas};
 }
 
-QImage scaledByTwo(const QSize& size)
-{
-    QImage image = noise(size);
-    image.setDevicePixelRatio(2);
-    return image;
-}
-
 } // namespace
-Q_DECLARE_METATYPE(Canvas)
 
 class tst_OverlayPainting : public BehaviourTest
 {
@@ -102,59 +115,60 @@ void tst_OverlayPainting::dimmedPictureIsBlackAtAlpha100()
     QCOMPARE(overlay::dimmed(picture), dimmed(picture));
     QVERIFY(picture == noise(kWindow));
     QVERIFY(overlay::dimmed(QImage()).isNull());
-    QImage scaled = overlay::dimmed(scaledByTwo(kWindow));
-    QCOMPARE(scaled.devicePixelRatio(), 2.0);
-    scaled.setDevicePixelRatio(1);
-    QCOMPARE(scaled, dimmed(picture));
 }
 
 void tst_OverlayPainting::layersArePaintedInTheChangedRectangle_data()
 {
-    QTest::addColumn<QImage>("desktop");
+    QTest::addColumn<QSize>("desktop");
     QTest::addColumn<QRect>("region");
-    QTest::addColumn<Canvas>("canvas");
-    const QImage desktop = noise(kWindow);
-    const QImage small = noise(QSize(50, 40));
-    const QImage annotated = noise(kRegion.size(), 2);
-    QTest::newRow("nothing selected") << desktop << QRect() << Canvas();
-    QTest::newRow("region") << desktop << kRegion << Canvas();
-    QTest::newRow("all of the window") << desktop << QRect(QPoint(), kWindow) << Canvas();
-    QTest::newRow("no room") << desktop << QRect(20, 10, 0, 10) << Canvas();
-    QTest::newRow("over the edges") << desktop << QRect(-5, -5, 30, 100) << Canvas();
-    QTest::newRow("beyond the window") << desktop << QRect(95, 10, 20, 20) << Canvas();
-    QTest::newRow("small picture") << small << QRect() << Canvas();
-    QTest::newRow("region of a small picture") << small << QRect(10, 10, 30, 20) << Canvas();
-    QTest::newRow("beyond a small picture") << small << kRegion << Canvas();
-    QTest::newRow("beside a small picture") << small << QRect(60, 50, 20, 10) << Canvas();
-    QTest::newRow("large picture") << noise(QSize(200, 200)) << kRegion << Canvas();
-    QTest::newRow("no picture") << QImage() << kRegion << Canvas();
-    QTest::newRow("canvas") << desktop << kRegion << Canvas(annotated);
-    QTest::newRow("canvas over the edges") << desktop << QRect(-5, -5, 40, 40) << Canvas(annotated);
-    QTest::newRow("small canvas") << desktop << kRegion << Canvas(noise(QSize(20, 60), 2));
-    QTest::newRow("large canvas") << desktop << kRegion << Canvas(noise(QSize(60, 60), 2));
-    QTest::newRow("canvas without room") << desktop << QRect() << Canvas(annotated);
-    QTest::newRow("canvas without a picture") << desktop << kRegion << Canvas(QImage());
-    QTest::newRow("canvas beyond a small picture") << small << kRegion << Canvas(annotated);
-    QTest::newRow("scaled screen") << scaledByTwo(2 * kWindow) << QRect() << Canvas();
-    QTest::newRow("canvas on a scaled screen")
-        << scaledByTwo(2 * kWindow) << kRegion << Canvas(annotated);
+    QTest::addColumn<QSize>("canvas");
+    const QSize none;
+    const QSize small(50, 40);
+    QTest::newRow("nothing selected") << kWindow << QRect() << none;
+    QTest::newRow("region") << kWindow << kRegion << none;
+    QTest::newRow("all of the window") << kWindow << QRect(QPoint(), kWindow) << none;
+    QTest::newRow("no room") << kWindow << QRect(20, 10, 0, 10) << none;
+    QTest::newRow("over the edges") << kWindow << QRect(-5, -5, 30, 100) << none;
+    QTest::newRow("beyond the window") << kWindow << QRect(95, 10, 20, 20) << none;
+    QTest::newRow("small picture") << small << QRect() << none;
+    QTest::newRow("region of a small picture") << small << QRect(10, 10, 30, 20) << none;
+    QTest::newRow("beyond a small picture") << small << kRegion << none;
+    QTest::newRow("beside a small picture") << small << QRect(60, 50, 20, 10) << none;
+    QTest::newRow("large picture") << QSize(200, 200) << kRegion << none;
+    QTest::newRow("no picture") << QSize(0, 0) << kRegion << none;
+    QTest::newRow("canvas") << kWindow << kRegion << kRegion.size();
+    QTest::newRow("canvas over the edges") << kWindow << QRect(-5, -5, 40, 40) << QSize(40, 40);
+    QTest::newRow("small canvas") << kWindow << kRegion << QSize(20, 60);
+    QTest::newRow("large canvas") << kWindow << kRegion << QSize(60, 60);
+    QTest::newRow("canvas without room") << kWindow << QRect() << kRegion.size();
+    QTest::newRow("canvas without a picture") << kWindow << kRegion << QSize(0, 0);
+    QTest::newRow("canvas beyond a small picture") << small << kRegion << kRegion.size();
 }
 
 void tst_OverlayPainting::layersArePaintedInTheChangedRectangle()
 {
-    QFETCH(QImage, desktop);
+    QFETCH(QSize, desktop);
     QFETCH(QRect, region);
-    QFETCH(Canvas, canvas);
+    QFETCH(QSize, canvas);
     // Wherever the window stands on the desktop: the picture begins at, before or behind its
     // corner.
-    const bool scaled = desktop.devicePixelRatio() != 1;
-    const QVector<QPoint> places =
-        scaled ? QVector<QPoint>{{0, 0}} : QVector<QPoint>{{0, 0}, {-13, -7}, {9, 27}, {200, -300}};
-    for (const QPoint& desktopPos : places) {
-        compareLayers(sceneOf(desktop, region, canvas, desktopPos),
-                      [&](QPainter& painter, const QRect&) {
-                          paintPlainly(painter, desktop, region, canvas, desktopPos);
-                      });
+    for (const qreal ratio : {1.0, 1.25, 1.5, 1.75, 2.0, 2.625, 3.0, 0.75}) {
+        const QImage picture = noise(physical(QRect(QPoint(), desktop), ratio).size());
+        const QRect pixels = physical(region, ratio);
+        Canvas drawn;
+        if (canvas.isValid()) {
+            drawn = noise(physical(QRect(region.topLeft(), canvas), ratio).size(), 2);
+            drawn->setDevicePixelRatio(ratio);
+        }
+        for (const QPoint& desktopPos : {QPoint(0, 0), QPoint(-13, -7), QPoint(9, 27)}) {
+            compareLayers(sceneOf(picture, region, drawn, desktopPos, ratio),
+                          [&](QPainter& painter, const QRect&) {
+                              Canvas plain = drawn;
+                              if (plain)
+                                  plain->setDevicePixelRatio(1);
+                              paintPlainly(painter, picture, pixels, plain, desktopPos);
+                          });
+        }
     }
 }
 
@@ -179,19 +193,19 @@ void tst_OverlayPainting::eachPixelIsPaintedOnce()
             .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     };
     overlay::Scene scene = sceneOf(translucent(kWindow, 1), region);
-    scene.dimmedDesktop = translucent(kWindow, 2);
+    scene.desktop.dimmed = translucent(kWindow, 2);
     if (annotated)
         scene.canvas = translucent(region.size(), 3);
     compareLayers(scene, [&](QPainter& painter, const QRect& changed) {
         for (const QRect& part : QRegion(changed) - region) {
             painter.setClipRect(part);
-            painter.drawImage(0, 0, scene.dimmedDesktop);
+            painter.drawImage(0, 0, scene.desktop.dimmed);
         }
         painter.setClipRect(changed & region);
         if (annotated)
             painter.drawImage(region.topLeft(), *scene.canvas);
         else
-            painter.drawImage(0, 0, scene.desktop);
+            painter.drawImage(0, 0, scene.desktop.bright);
     });
 }
 

@@ -11,7 +11,7 @@
 namespace overlay
 {
 
-/// Side of the loupe in pixels.
+/// Side of the loupe in window coordinates.
 constexpr int kLoupeSidePx = 80;
 /// Side in pixels of the square of the desktop picture that the loupe shows.
 constexpr int kLoupeSourceSidePx = 16;

@@ -3,8 +3,10 @@
 
 #include <QEvent>
 #include <QGuiApplication>
+#include <QScreen>
 #include <QSocketNotifier>
 #include <QWindow>
+#include <QtMath>
 
 #include <algorithm>
 #include <cstdlib>
@@ -69,6 +71,14 @@ void leaveUnmanagedUntilHidden(QWindow* window)
     });
 }
 
+// In physical pixels; null where there is no such window.
+QRect geometryOf(xcb_connection_t* connection, xcb_window_t id)
+{
+    const auto reply =
+        owned(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, id), nullptr));
+    return reply ? QRect(reply->x, reply->y, reply->width, reply->height) : QRect();
+}
+
 /// The windows of a display, from the lowest to the highest.
 std::vector<xcb_window_t> windowsFromBelow(xcb_connection_t* connection, xcb_window_t root)
 {
@@ -106,6 +116,7 @@ OverlayKeeper::OverlayKeeper(QWindow* overlay)
         keepKeyboard();
         readEvents();
     });
+    connect(overlay, &QWindow::screenChanged, this, &OverlayKeeper::coverDesktop);
     qApp->installEventFilter(this);
 }
 
@@ -163,9 +174,31 @@ void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
         const std::uint32_t above = XCB_STACK_MODE_ABOVE;
         xcb_configure_window(m_connection, event.window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
         giveFocus(event.window);
+        if (window == m_overlay)
+            coverDesktop();
     } else if (!event.override_redirect) {
         keepAbove(event.window);
     }
+}
+
+// Qt places a window in coordinates that it scales and rounds, by one screen where each has its own
+// ratio. The overlay is made of whole coordinates, which Qt follows.
+void OverlayKeeper::coverDesktop()
+{
+    const QRect covered = geometryOf(m_connection, static_cast<xcb_window_t>(m_overlay->winId()));
+    const QRect desktop = geometryOf(m_connection, m_root);
+    const qreal ratio = m_overlay->devicePixelRatio();
+    const QSize size(qRound(qCeil(desktop.width() / ratio) * ratio),
+                     qRound(qCeil(desktop.height() / ratio) * ratio));
+    if (covered.contains(QRect(desktop.topLeft(), size)))
+        return;
+    const std::uint32_t place[] = {0, 0, static_cast<std::uint32_t>(size.width()),
+                                   static_cast<std::uint32_t>(size.height())};
+    xcb_configure_window(m_connection, static_cast<xcb_window_t>(m_overlay->winId()),
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT,
+                         place);
+    xcb_flush(m_connection);
 }
 
 // A window manager may raise a window only after it has appeared.

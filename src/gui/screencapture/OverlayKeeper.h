@@ -8,8 +8,8 @@
 
 class QWindow;
 
-/// Keeps a window that no X11 window manager manages above all others, and gives it the keyboard
-/// until the keeper is destroyed.
+/// Keeps a window that no X11 window manager manages above all others, lets it cover every screen,
+/// and gives it the keyboard until the keeper is destroyed.
 ///
 /// A window manager does both for the windows that it manages, but lets none of them cover every
 /// screen. The keeper also looks after the dialogs that the application opens in the meantime:
@@ -39,6 +39,7 @@ private:
     void handle(const xcb_generic_event_t& event);
     void windowAppeared(const xcb_map_notify_event_t& event);
     void windowMoved(const xcb_configure_notify_event_t& event);
+    void coverDesktop();
     void keepAbove(xcb_window_t managed);
     void keepKeyboard();
     xcb_window_t focus() const;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "OverlayPainting.h"
 
+#include "PixelGrid.h"
+
 #include <QPainter>
 #include <QPen>
 #include <QRegion>
@@ -12,43 +14,53 @@ constexpr QColor kDim(0, 0, 0, 100);
 constexpr qreal kHighlightLinePx = 4.0;
 constexpr QSize kHighlightInsetPx(4, 4);
 
-QRect desktopRect(const overlay::Scene& scene)
+// Draws with each pixel of the picture on a physical pixel of the window.
+template <typename Draw>
+void inPixels(QPainter& painter, const DesktopPicture& desktop, Draw draw)
 {
-    return {scene.desktopPos, scene.desktop.size()};
+    painter.save();
+    const qreal scale = painter.deviceTransform().m11();
+    painter.scale(1 / scale, 1 / scale);
+    painter.translate(-desktop.windowPos);
+    draw();
+    painter.restore();
+}
+
+// Of another ratio only if the window has come to another screen in the meantime.
+QRect canvasPixels(const overlay::Scene& scene)
+{
+    const qreal scale = scene.desktop.ratio / scene.canvas->devicePixelRatio();
+    return {scene.desktop.pixels(scene.region).topLeft(), scene.canvas->size() * scale};
 }
 
 // Returns the region if its picture covers it; null if the dimmed desktop shows through.
 QRect coveredByRegion(const overlay::Scene& scene)
 {
-    const QRect picture =
-        scene.canvas ? QRect(scene.region.topLeft(), scene.canvas->size()) : desktopRect(scene);
-    return picture.contains(scene.region & scene.window) ? scene.region : QRect();
+    const DesktopPicture& desktop = scene.desktop;
+    const QRect picture = scene.canvas ? canvasPixels(scene) : desktop.bright.rect();
+    const bool covered = picture.contains(desktop.pixels(scene.region & scene.window));
+    return covered ? desktop.pixels(scene.region) : QRect();
 }
 
-void paintDimmed(QPainter& painter, const overlay::Scene& scene, const QRect& area)
+void paintDimmed(QPainter& painter, const QImage& dimmed, const QRect& area)
 {
-    const QImage& dimmed = scene.dimmedDesktop;
-    if (dimmed.devicePixelRatio() == 1 && desktopRect(scene).contains(area)) {
-        painter.drawImage(area.topLeft(), dimmed, area.translated(-scene.desktopPos));
-        return;
-    }
-    painter.save();
-    painter.setClipRect(area, Qt::IntersectClip);
-    painter.drawImage(scene.desktopPos, scene.desktop);
-    painter.fillRect(area, kDim);
-    painter.restore();
+    const QRect inside = area & dimmed.rect();
+    painter.drawImage(inside.topLeft(), dimmed, inside);
+    for (const QRect& beside : QRegion(area) - inside)
+        painter.fillRect(beside, kDim);
 }
 
 // Draws from the picture itself; a copy is cut only where the window is larger than the picture.
 void paintBright(QPainter& painter, const overlay::Scene& scene, const QRect& area)
 {
-    const QRect shown = area & scene.window;
+    const QImage& bright = scene.desktop.bright;
+    const QRect shown = scene.desktop.pixels(area & scene.window);
     if (shown.isEmpty())
         return;
-    if (desktopRect(scene).contains(shown))
-        painter.drawImage(shown.topLeft(), scene.desktop, shown.translated(-scene.desktopPos));
+    if (bright.rect().contains(shown))
+        painter.drawImage(shown.topLeft(), bright, shown);
     else
-        painter.drawImage(area.topLeft(), scene.desktop.copy(area.translated(-scene.desktopPos)));
+        painter.drawImage(shown.topLeft(), bright.copy(shown));
 }
 
 } // namespace
@@ -63,18 +75,25 @@ QImage dimmed(QImage desktop)
     return desktop;
 }
 
+// The clip tells which pixels at the edges belong to the area.
 void paintSurround(QPainter& painter, const Scene& scene, const QRect& area)
 {
-    for (const QRect& part : QRegion(area) - coveredByRegion(scene))
-        paintDimmed(painter, scene, part);
+    const DesktopPicture& desktop = scene.desktop;
+    const QRegion touched(pixels::outward(area, desktop.ratio).translated(desktop.windowPos));
+    inPixels(painter, desktop, [&] {
+        for (const QRect& part : touched - coveredByRegion(scene))
+            paintDimmed(painter, desktop.dimmed, part);
+    });
 }
 
 void paintRegion(QPainter& painter, const Scene& scene)
 {
-    if (scene.canvas)
-        painter.drawImage(scene.region.topLeft(), *scene.canvas);
-    else
-        paintBright(painter, scene, scene.region);
+    inPixels(painter, scene.desktop, [&] {
+        if (scene.canvas)
+            painter.drawImage(canvasPixels(scene), *scene.canvas);
+        else
+            paintBright(painter, scene, scene.region);
+    });
 }
 
 QRect highlightFrame(const QRect& window, const QRect& bounds)
@@ -86,7 +105,7 @@ QRect highlightFrame(const QRect& window, const QRect& bounds)
 
 void paintHighlight(QPainter& painter, const Scene& scene, const QRect& frame, const QColor& color)
 {
-    paintBright(painter, scene, frame);
+    inPixels(painter, scene.desktop, [&] { paintBright(painter, scene, frame); });
     painter.setPen(QPen(color, kHighlightLinePx, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
     painter.drawRect(frame);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "DesktopPicture.h"
+
 #include <QColor>
 #include <QImage>
 #include <QRect>
@@ -9,18 +11,14 @@
 
 class QPainter;
 
-/// What the capture window paints, layer by layer: functions of pictures and rectangles, all in
-/// window coordinates (pixels). The painter's clip bounds what they paint.
+/// What the capture window paints, layer by layer: functions of pictures and of rectangles in
+/// window coordinates. The painter is one on the window, whose clip bounds what they paint.
 namespace overlay
 {
 
 /// What there is to paint.
 struct Scene {
-    QImage desktop;
-    /// dimmed(desktop), made once so that painting only copies.
-    QImage dimmedDesktop;
-    /// Where the top-left pixel of both is.
-    QPoint desktopPos;
+    DesktopPicture desktop;
     /// The window, at (0, 0).
     QRect window;
     /// Where the desktop is bright; null where no region is visible.

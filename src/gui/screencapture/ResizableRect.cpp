@@ -179,10 +179,12 @@ QPoint ResizableRect::pos() const
     return rect().topLeft();
 }
 
+// Scaled lines lie half outside of their coordinates.
 QRect ResizableRect::occupiedRect() const
 {
-    const int half = m_graphPenWidth / 2;
-    const QRect area = rect().adjusted(-half, -half, half + 1, half + 1);
+    const qreal ratio = m_widget ? m_widget->devicePixelRatioF() : 1;
+    const int margin = m_graphPenWidth / 2 + (ratio == 1 ? 0 : 1);
+    const QRect area = rect().adjusted(-margin, -margin, margin + 1, margin + 1);
     return m_sizeInforVisible ? area | sizeInforPaintRect() : area;
 }
 
@@ -433,11 +435,16 @@ QRect ResizableRect::draggedRect(const QPoint& pos)
 
 void ResizableRect::render(QPainter& painter)
 {
+    render(painter, rect().size());
+}
+
+void ResizableRect::render(QPainter& painter, const QSize& size)
+{
     painter.setRenderHint(QPainter::Antialiasing, false);
     renderBorder(painter);
     renderHandles(painter);
     if (m_sizeInforVisible)
-        renderSizeInfor(painter);
+        renderSizeInfor(painter, size);
 }
 
 // Fills with the brush that the painter has.
@@ -455,7 +462,7 @@ void ResizableRect::renderHandles(QPainter& painter) const
         painter.drawRect(handle);
 }
 
-void ResizableRect::renderSizeInfor(QPainter& painter) const
+void ResizableRect::renderSizeInfor(QPainter& painter, const QSize& size) const
 {
     const QRect label = sizeInforPaintRect();
     painter.setBrush(QBrush(QColor(0, 0, 0, kSizeLabelAlpha), Qt::SolidPattern));
@@ -464,8 +471,7 @@ void ResizableRect::renderSizeInfor(QPainter& painter) const
 
     painter.setPen(Qt::white);
     painter.setFont(QFont(QObject::tr("Courier New"), kSizeLabelPointSize));
-    drawCondensed(painter, label,
-                  QStringLiteral("%1 x %2").arg(rect().width()).arg(rect().height()));
+    drawCondensed(painter, label, QStringLiteral("%1 x %2").arg(size.width()).arg(size.height()));
 }
 
 QRect ResizableRect::sizeInforPaintRect() const

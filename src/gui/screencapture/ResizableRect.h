@@ -132,6 +132,8 @@ public:
 
     /// Paints border, handles and label. Changes the painter's state and does not restore it.
     void render(QPainter& painter);
+    /// The same with a label that tells `size`.
+    void render(QPainter& painter, const QSize& size);
     /// Returns the size label's rectangle in the host widget's coordinates.
     QRect sizeInforPaintRect() const;
 
@@ -152,7 +154,7 @@ private:
     void repaint();
     void renderBorder(QPainter& painter) const;
     void renderHandles(QPainter& painter) const;
-    void renderSizeInfor(QPainter& painter) const;
+    void renderSizeInfor(QPainter& painter, const QSize& size) const;
 
     QWidget* m_widget;
     QCursor m_widgetCursor;

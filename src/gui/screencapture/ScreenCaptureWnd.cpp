@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ScreenCaptureWnd.h"
 
+#include "DesktopPicture.h"
 #include "Icons.h"
 #include "MagnifierWidget.h"
 #include "MosaicPixels.h"
+#include "NativeDesktop.h"
 #include "OverlayGeometry.h"
 #include "OverlayKeeper.h"
 #include "OverlayPainting.h"
@@ -13,7 +15,6 @@
 
 #include <QApplication>
 #include <QCursor>
-#include <QDesktopWidget>
 #include <QDir>
 #include <QFileDialog>
 #include <QMouseEvent>
@@ -24,6 +25,7 @@
 #include <QScopeGuard>
 #include <QScreen>
 #include <QShowEvent>
+#include <QWindow>
 
 namespace
 {
@@ -37,13 +39,15 @@ QImage in8BitsPerChannel(const QImage& image)
     return mosaic::holdsQRgb(image) ? image : image.convertToFormat(QImage::Format_RGB32);
 }
 
-QImage grabbedDesktop(const QRect& area)
+// The physical pixels of all screens: on X11 these are one space, whatever the ratio of each.
+QImage grabbedDesktop(WId root)
 {
     QScreen* screen = QGuiApplication::primaryScreen();
     if (!screen)
         return {};
-    const QPixmap grabbed = screen->grabWindow(QApplication::desktop()->winId(), area.x(), area.y(),
-                                               area.width(), area.height());
+    const QSize size = root ? QSize(-1, -1) : screen->virtualSize();
+    QPixmap grabbed = screen->grabWindow(root, 0, 0, size.width(), size.height());
+    grabbed.setDevicePixelRatio(1);
     return in8BitsPerChannel(grabbed.toImage());
 }
 
@@ -118,6 +122,7 @@ ScreenCaptureWnd::~ScreenCaptureWnd()
         dialog->reject();
     }
     delete m_keeper;
+    delete m_nativeDesktop;
     delete m_desktopImage;
 }
 
@@ -127,8 +132,8 @@ void ScreenCaptureWnd::init()
     Q_INIT_RESOURCE(scribble);
     setCursor(QCursor(icons::pixmap("cursor", devicePixelRatioF()), 0, 0));
     // The only grab of a capture: region, loupe and dimmed surround are all cut from this picture.
-    m_desktopGeometry = QApplication::desktop()->geometry();
-    m_desktopImage = new QImage(grabbedDesktop(m_desktopGeometry));
+    m_nativeDesktop = new NativeDesktop;
+    m_desktopImage = new QImage(grabbedDesktop(m_nativeDesktop->root()));
     m_dimmedImage = overlay::dimmed(*m_desktopImage);
     m_rectCapture = createCaptureRect(this);
     m_magnifier = createMagnifier(this);
@@ -157,7 +162,7 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
             m_normalGeometry = geometry();
         // No window manager lets a window that it manages cover panels and every screen.
         setWindowFlag(Qt::X11BypassWindowManagerHint, full);
-        setGeometry(full ? QApplication::desktop()->geometry() : m_normalGeometry);
+        setGeometry(full ? m_nativeDesktop->geometryFor(*this) : m_normalGeometry);
         m_fullDesktop = full;
     }
     show();
@@ -171,19 +176,16 @@ void ScreenCaptureWnd::cancelIfShown()
         reject();
 }
 
-// A null region has no pixels, but QImage::copy() of a null rectangle copies the whole desktop.
 QImage ScreenCaptureWnd::captureImage() const
 {
-    const QRect region = m_rectCapture->rect();
-    if (!m_rectCapture->isVisible() || region.isNull())
-        return {};
-    return m_desktopImage->copy(region.translated(-desktopPos()));
+    return m_rectCapture->isVisible() ? desktopPicture().copy(m_rectCapture->rect()) : QImage();
 }
 
 // A window manager may have put the window elsewhere than asked.
-QPoint ScreenCaptureWnd::desktopPos() const
+DesktopPicture ScreenCaptureWnd::desktopPicture() const
 {
-    return m_desktopGeometry.topLeft() - mapToGlobal(QPoint());
+    return {*m_desktopImage, m_dimmedImage, m_nativeDesktop->posOf(*this),
+            screen()->devicePixelRatio()};
 }
 
 // After a reset the canvas holds nothing of the region that stands now.
@@ -308,6 +310,9 @@ void ScreenCaptureWnd::showEvent(QShowEvent* event)
         m_ended = false;
         if (m_fullDesktop)
             m_keeper = new OverlayKeeper(windowHandle());
+        windowHandle()->installEventFilter(this);
+        connect(windowHandle(), &QWindow::screenChanged, this,
+                &ScreenCaptureWnd::updateMagnifierAtCursor, Qt::UniqueConnection);
     }
     QDialog::showEvent(event);
 }
@@ -345,6 +350,8 @@ void ScreenCaptureWnd::deliverAndHide(const QImage& image, bool finished)
 bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
 {
     Q_ASSERT(event != NULL);
+    if (watched == windowHandle() && event->type() == QEvent::UpdateRequest && !paintsPartsRight())
+        update();
     const QPointer<ScreenCaptureWnd> alive(this);
     if (watched == m_scribbleArea) {
         if (event->type() == QEvent::MouseButtonDblClick)
@@ -355,6 +362,13 @@ bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
     }
     // If the host deleted the window, the canvas is gone too.
     return alive ? QDialog::eventFilter(watched, event) : true;
+}
+
+// Qt paints all of a window right, but a part only if its painter has the window's ratio: painters
+// round the ratio, and have none below 1.
+bool ScreenCaptureWnd::paintsPartsRight() const
+{
+    return qMax(devicePixelRatioF(), 1.0) == screen()->devicePixelRatio();
 }
 
 // Queued, because the canvas knows what can be redone only after it has handled the event.
@@ -371,7 +385,7 @@ void ScreenCaptureWnd::mousePressEvent(QMouseEvent* event)
     if (m_state == StateIdle) {
         startSelection(event->pos());
     } else if (m_state == StateSelected) {
-        updateMagnifier(event->pos());
+        updateMagnifier(event->windowPos());
         m_magnifier->setVisible(draggedSection() >= ResizableRect::SECTION_LEFT);
     }
 }
@@ -391,7 +405,7 @@ void ScreenCaptureWnd::mouseMoveEvent(QMouseEvent* event)
     if (!leftHeld)
         updateGrabWindowRect(event->globalPos());
     if (m_magnifier->isVisible())
-        updateMagnifier(event->pos());
+        updateMagnifier(event->windowPos());
 }
 
 void ScreenCaptureWnd::dragSelection(const QPoint& pos)
@@ -445,11 +459,13 @@ void ScreenCaptureWnd::mouseDoubleClickEvent(QMouseEvent* event)
         accept();
 }
 
-void ScreenCaptureWnd::updateMagnifier(const QPoint& pos)
+void ScreenCaptureWnd::updateMagnifier(const QPointF& pos)
 {
-    const QPoint p = overlay::pointOfInterest(pos, draggedSection(), m_rectCapture->rect());
-    m_magnifier->setOrigImage(m_desktopImage->copy(overlay::loupeSource(p - desktopPos())));
-    m_magnifier->move(overlay::loupePos(pos, size()));
+    const DesktopPicture desktop = desktopPicture();
+    const QPoint p = overlay::pointOfInterest(desktop.pixelAt(pos), draggedSection(),
+                                              desktop.pixels(m_rectCapture->rect()));
+    m_magnifier->setOrigImage(m_desktopImage->copy(overlay::loupeSource(p)));
+    m_magnifier->move(overlay::loupePos(pos.toPoint(), size()));
 }
 
 // The rectangle remembers its last press even after the region of that press is gone.
@@ -461,7 +477,8 @@ int ScreenCaptureWnd::draggedSection() const
 
 void ScreenCaptureWnd::updateMagnifierAtCursor()
 {
-    updateMagnifier(mapFromGlobal(QCursor::pos()));
+    const DesktopPicture desktop = desktopPicture();
+    updateMagnifier(QPointF(m_nativeDesktop->pointerPos() - desktop.windowPos) / desktop.ratio);
 }
 
 // Intended: a hook for picking the window under the cursor, which never finds one.
@@ -490,9 +507,10 @@ void ScreenCaptureWnd::onCaptureRectChanged(const QRect& rect)
 // What the window covers of the screen on which `p` is, or of the nearest to it.
 QRect ScreenCaptureWnd::screenAt(const QPoint& p) const
 {
+    const DesktopPicture desktop = desktopPicture();
     QVector<QRect> areas;
     for (const QScreen* screen : QGuiApplication::screens()) {
-        const QRect covered = screen->geometry().translated(-mapToGlobal(QPoint())) & rect();
+        const QRect covered = desktop.windowRect(NativeDesktop::pixelsOf(*screen)) & rect();
         if (!covered.isEmpty())
             areas << covered;
     }
@@ -515,7 +533,7 @@ void ScreenCaptureWnd::updateMainToolBarPos(int extraHeight)
 void ScreenCaptureWnd::paintEvent(QPaintEvent* event)
 {
     const bool regionStands = m_rectCapture->isVisible();
-    overlay::Scene scene{*m_desktopImage, m_dimmedImage, desktopPos(), rect(), QRect(), {}};
+    overlay::Scene scene{desktopPicture(), rect(), QRect(), {}};
     if (regionStands)
         scene.region = m_rectCapture->rect();
     if (regionStands && m_scribbleArea && m_scribbleArea->isVisible())
@@ -523,11 +541,13 @@ void ScreenCaptureWnd::paintEvent(QPaintEvent* event)
 
     for (const QRect& changed : event->region()) {
         QPainter painter(this);
+        // Qt leaves a painter unscaled below a ratio of 1.
+        painter.scale(qMin(scene.desktop.ratio, 1.0), qMin(scene.desktop.ratio, 1.0));
         painter.setClipRect(changed);
         overlay::paintSurround(painter, scene, changed);
         overlay::paintRegion(painter, scene);
         if (regionStands)
-            m_rectCapture->render(painter);
+            m_rectCapture->render(painter, scene.desktop.cut(scene.region).size());
         else if (!m_grabWindowRect.isNull())
             overlay::paintHighlight(painter, scene,
                                     overlay::highlightFrame(m_grabWindowRect, geometry()),

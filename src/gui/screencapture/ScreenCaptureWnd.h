@@ -12,6 +12,7 @@
 
 class ColorWidget;
 class MagnifierWidget;
+class NativeDesktop;
 class OverlayKeeper;
 class PenWidthWidget;
 class QAbstractButton;
@@ -20,6 +21,7 @@ class QLabel;
 class QPushButton;
 class ResizableRect;
 class ScribbleArea;
+struct DesktopPicture;
 struct ScreenCaptureToolColors;
 
 /// The one window through which an application takes a screenshot.
@@ -35,12 +37,13 @@ struct ScreenCaptureToolColors;
 /// capture->showFullDesktop(true);
 /// \endcode
 ///
-/// Coordinates are pixels of the window, which are those of the virtual desktop. The window deletes
-/// itself: a host keeps no pointer to it across the end of a capture. A host that clears
-/// Qt::WA_DeleteOnClose keeps the window instead, and takes another capture of the same picture by
-/// showing it again. Closing the window never counts as closing the last window, on which Qt quits
-/// the application. GUI thread only, with a QApplication. Nothing is thrown; a desktop that cannot
-/// be grabbed gives a null picture.
+/// Coordinates are those of the window. On a screen with a device pixel ratio each is that many
+/// physical pixels wide and high; the pictures have all of these pixels, and the ratio set
+/// (QImage::devicePixelRatio()). The window deletes itself: a host keeps no pointer to it across
+/// the end of a capture. A host that clears Qt::WA_DeleteOnClose keeps the window instead, and
+/// takes another capture of the same picture by showing it again. Closing the window never counts
+/// as closing the last window, on which Qt quits the application. GUI thread only, with a
+/// QApplication. Nothing is thrown; a desktop that cannot be grabbed gives a null picture.
 class SCREENCAPTURE_EXPORT ScreenCaptureWnd : public QDialog
 {
     Q_OBJECT
@@ -149,9 +152,10 @@ private:
     bool markEnded();
     void deliverAndHide(const QImage& image, bool finished);
     void hideCanvas();
-    QPoint desktopPos() const;
+    DesktopPicture desktopPicture() const;
+    bool paintsPartsRight() const;
     void cancelIfShown();
-    void updateMagnifier(const QPoint& pos);
+    void updateMagnifier(const QPointF& pos);
     int draggedSection() const;
     void updateMagnifierAtCursor();
     QRect makeGrabWholeWindowRect(const QPoint& globalPos);
@@ -180,7 +184,7 @@ private:
     const char* m_member = nullptr;
     QImage* m_desktopImage = nullptr;
     QImage m_dimmedImage;
-    QRect m_desktopGeometry;
+    NativeDesktop* m_nativeDesktop = nullptr;
     ResizableRect* m_rectCapture = nullptr;
     int m_state = StateIdle;
     QPoint m_pressPos;

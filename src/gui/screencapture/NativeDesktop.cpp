@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "NativeDesktop.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+#include <QtMath>
+
+#include <cstdlib>
+#include <memory>
+
+namespace
+{
+
+template <typename Reply>
+std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply)
+{
+    return {reply, &std::free};
+}
+
+} // namespace
+
+NativeDesktop::NativeDesktop()
+{
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        return;
+    m_connection = xcb_connect(nullptr, nullptr);
+    if (!xcb_connection_has_error(m_connection))
+        m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
+}
+
+NativeDesktop::~NativeDesktop()
+{
+    if (m_connection)
+        xcb_disconnect(m_connection);
+}
+
+QRect NativeDesktop::geometryFor(const QWidget& window) const
+{
+    const QScreen& screen = *window.screen();
+    if (m_root) {
+        const auto reply = owned(
+            xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, m_root), nullptr));
+        if (reply)
+            return {0, 0, qCeil(reply->width / screen.devicePixelRatio()),
+                    qCeil(reply->height / screen.devicePixelRatio())};
+    }
+    return screen.virtualGeometry();
+}
+
+// Unscaled coordinates are exact, and need no answer from the server.
+QPoint NativeDesktop::posOf(const QWidget& window) const
+{
+    const qreal ratio = window.screen()->devicePixelRatio();
+    if (m_root && window.internalWinId() && !qFuzzyCompare(ratio, 1)) {
+        const auto id = static_cast<xcb_window_t>(window.internalWinId());
+        const auto reply = owned(xcb_translate_coordinates_reply(
+            m_connection, xcb_translate_coordinates(m_connection, id, m_root, 0, 0), nullptr));
+        if (reply)
+            return {reply->dst_x, reply->dst_y};
+    }
+    return window.mapToGlobal(QPoint()) * ratio;
+}
+
+// Qt divides the size of a screen by its ratio, but not its position.
+QRect NativeDesktop::pixelsOf(const QScreen& screen)
+{
+    return {screen.geometry().topLeft(), screen.geometry().size() * screen.devicePixelRatio()};
+}
+
+QPoint NativeDesktop::pointerPos() const
+{
+    if (m_root) {
+        const auto reply = owned(xcb_query_pointer_reply(
+            m_connection, xcb_query_pointer(m_connection, m_root), nullptr));
+        if (reply)
+            return {reply->root_x, reply->root_y};
+    }
+    return QCursor::pos() * QGuiApplication::primaryScreen()->devicePixelRatio();
+}

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+#include <qwindowdefs.h>
+
+#include <xcb/xcb.h>
+
+class QScreen;
+
+/// The desktop in physical pixels, as the X server knows it. Qt tells places in coordinates that it
+/// has scaled and rounded, on several screens differently for each.
+///
+/// GUI thread only. Falls back on Qt's rounded places on other platforms than X11.
+class NativeDesktop
+{
+public:
+    NativeDesktop();
+    ~NativeDesktop();
+
+    /// The window of which QScreen::grabWindow() grabs the whole desktop; 0 on other platforms.
+    WId root() const { return m_root; }
+
+    /// Returns the geometry with which `window` covers all screens.
+    QRect geometryFor(const QWidget& window) const;
+
+    /// Returns where the top-left corner of `window` is.
+    QPoint posOf(const QWidget& window) const;
+
+    /// Returns what a screen shows.
+    static QRect pixelsOf(const QScreen& screen);
+
+    /// Returns where the pointer is.
+    QPoint pointerPos() const;
+
+private:
+    xcb_connection_t* m_connection = nullptr;
+    xcb_window_t m_root = XCB_NONE;
+
+    Q_DISABLE_COPY(NativeDesktop)
+};
