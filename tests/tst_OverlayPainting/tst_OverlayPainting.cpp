@@ -43,7 +43,6 @@ QImage paintedIn(const QRect& changed, qreal ratio, Draw draw)
     window.setDevicePixelRatio(ratio);
     window.fill(Qt::magenta);
     QImage image = drawnOn(window, [&](QPainter& painter) {
-        painter.scale(qMin(ratio, 1.0), qMin(ratio, 1.0));
         painter.setClipRect(changed);
         draw(painter, changed);
     });

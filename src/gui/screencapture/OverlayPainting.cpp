@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "OverlayPainting.h"
 
-#include "PixelGrid.h"
-
 #include <QPainter>
 #include <QPen>
 #include <QRegion>
@@ -75,14 +73,11 @@ QImage dimmed(QImage desktop)
     return desktop;
 }
 
-// The clip tells which pixels at the edges belong to the area.
 void paintSurround(QPainter& painter, const Scene& scene, const QRect& area)
 {
-    const DesktopPicture& desktop = scene.desktop;
-    const QRegion touched(pixels::outward(area, desktop.ratio).translated(desktop.windowPos));
-    inPixels(painter, desktop, [&] {
-        for (const QRect& part : touched - coveredByRegion(scene))
-            paintDimmed(painter, desktop.dimmed, part);
+    inPixels(painter, scene.desktop, [&] {
+        for (const QRect& part : QRegion(scene.desktop.pixels(area)) - coveredByRegion(scene))
+            paintDimmed(painter, scene.desktop.dimmed, part);
     });
 }
 

@@ -122,6 +122,13 @@ void drawCondensed(QPainter& painter, const QRect& area, const QString& text)
     painter.restore();
 }
 
+// Scaled lines lie half outside of their coordinates.
+QRect painted(const QWidget& widget, const QRect& occupied)
+{
+    const int beyond = widget.devicePixelRatioF() == 1 ? 0 : 1;
+    return occupied.adjusted(-beyond, -beyond, beyond, beyond);
+}
+
 } // namespace
 
 ResizableRect::ResizableRect(QWidget* widget, const QRect& rect)
@@ -166,7 +173,7 @@ void ResizableRect::setRect(const QRect& rect)
     updateSectionRects();
     emit rectChanged(this->rect(), true);
     if (m_widget)
-        m_widget->update(old | occupiedRect());
+        m_widget->update(painted(*m_widget, old | occupiedRect()));
 }
 
 QRect ResizableRect::rect() const
@@ -179,12 +186,10 @@ QPoint ResizableRect::pos() const
     return rect().topLeft();
 }
 
-// Scaled lines lie half outside of their coordinates.
 QRect ResizableRect::occupiedRect() const
 {
-    const qreal ratio = m_widget ? m_widget->devicePixelRatioF() : 1;
-    const int margin = m_graphPenWidth / 2 + (ratio == 1 ? 0 : 1);
-    const QRect area = rect().adjusted(-margin, -margin, margin + 1, margin + 1);
+    const int half = m_graphPenWidth / 2;
+    const QRect area = rect().adjusted(-half, -half, half + 1, half + 1);
     return m_sizeInforVisible ? area | sizeInforPaintRect() : area;
 }
 
@@ -257,7 +262,7 @@ void ResizableRect::updateSectionRects()
 void ResizableRect::repaint()
 {
     if (m_widget)
-        m_widget->update(occupiedRect());
+        m_widget->update(painted(*m_widget, occupiedRect()));
 }
 
 void ResizableRect::setVisible(bool visible)
