@@ -116,8 +116,9 @@ void MainWindow::fitResult()
 {
     if (m_picture.isNull())
         return;
+    const QSize room = m_view->size() * m_picture.devicePixelRatio();
     const QSize fitted =
-        m_picture.size().boundedTo(m_picture.size().scaled(m_view->size(), Qt::KeepAspectRatio));
+        m_picture.size().boundedTo(m_picture.size().scaled(room, Qt::KeepAspectRatio));
     m_view->setPixmap(QPixmap::fromImage(
         m_picture.scaled(fitted, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
 }
