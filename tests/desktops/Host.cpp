@@ -11,6 +11,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QLineEdit>
+#include <QScreen>
 #include <QSocketNotifier>
 #include <QTextEdit>
 #include <QTimer>
@@ -41,19 +42,21 @@ QWidget* findWidget(const QString& name)
     return nullptr;
 }
 
-/// The native window, and the widget's rectangle in it.
+/// The native window, and the widget's rectangle in it, in physical pixels.
 QString place(QWidget* widget)
 {
     if (!widget)
         return "nowhere";
     const QWidget* window = widget->window();
-    const QPoint p = widget->mapTo(window, QPoint());
+    const qreal ratio = window->screen()->devicePixelRatio();
+    const QPoint p = widget->mapTo(window, QPoint()) * ratio;
+    const QSize size = widget->size() * ratio;
     return QStringLiteral("%1 %2 %3 %4 %5")
         .arg(window->windowHandle()->winId())
         .arg(p.x())
         .arg(p.y())
-        .arg(widget->width())
-        .arg(widget->height());
+        .arg(size.width())
+        .arg(size.height());
 }
 
 QString content(QWidget* widget)
@@ -102,6 +105,9 @@ private:
             say(place(findWidget(what)));
         } else if (question.startsWith("content ")) {
             say(content(findWidget(what)));
+        } else if (question.startsWith("ratio ")) {
+            const QWidget* widget = findWidget(what);
+            say(QString::number(widget ? widget->screen()->devicePixelRatio() : 0));
         } else {
             openDialog();
             say("opened");
