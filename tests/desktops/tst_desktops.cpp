@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QScreen>
 #include <QTemporaryDir>
+#include <QtMath>
 
 #include <functional>
 
@@ -585,8 +586,8 @@ void tst_desktops::expectEnd(const QString& how)
 /// as many pixels wide as its ratio says, and so are those at the region's edges.
 QRect tst_desktops::selected(const QRect& dragged) const
 {
-    const auto first = [this](int pixel) { return qRound(qRound(pixel / m_ratio) * m_ratio); };
-    const auto end = [this](int pixel) { return qRound((qRound(pixel / m_ratio) + 1) * m_ratio); };
+    const auto first = [this](int pixel) { return qRound(qFloor(pixel / m_ratio) * m_ratio); };
+    const auto end = [this](int pixel) { return qRound((qFloor(pixel / m_ratio) + 1) * m_ratio); };
     const QRect region(QPoint(first(dragged.left()), first(dragged.top())),
                        QPoint(end(dragged.right()) - 1, end(dragged.bottom()) - 1));
     return region & m_server->desktop();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QMouseEvent>
 #include <QPoint>
 #include <QRect>
 #include <QtMath>
@@ -34,6 +35,15 @@ inline QRect outward(const QRect& rect, qreal ratio)
     const QPoint topLeft(qFloor(rect.left() * ratio), qFloor(rect.top() * ratio));
     const QPoint end(qCeil((rect.right() + 1.0) * ratio), qCeil((rect.bottom() + 1.0) * ratio));
     return {topLeft, end - QPoint(1, 1)};
+}
+
+/// The widget's coordinates on whose physical pixels the pointer is. QMouseEvent::pos() is rounded
+/// to the nearest ones, which may lie beyond them.
+inline QPoint coordinatesUnder(const QMouseEvent& event)
+{
+    const QPointF inWindow = event.windowPos();
+    const QPoint rounding = inWindow.toPoint() - QPoint(qFloor(inWindow.x()), qFloor(inWindow.y()));
+    return event.pos() - rounding;
 }
 
 } // namespace pixels

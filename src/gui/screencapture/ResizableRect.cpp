@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ResizableRect.h"
 
+#include "PixelGrid.h"
+
 #include <QEvent>
 #include <QFont>
 #include <QFontMetrics>
@@ -386,8 +388,9 @@ void ResizableRect::mousePressEventFilter(QMouseEvent* event)
     Q_ASSERT(event != NULL);
     if (event->button() != Qt::LeftButton)
         return;
-    m_pressSection = wherePoint(event->pos());
-    m_pressOffset = event->pos() - rect().topLeft();
+    const QPoint pos = pixels::coordinatesUnder(*event);
+    m_pressSection = wherePoint(pos);
+    m_pressOffset = pos - rect().topLeft();
 }
 
 void ResizableRect::mouseReleaseEventFilter(QMouseEvent* event)
@@ -406,10 +409,11 @@ void ResizableRect::mouseMoveEventFilter(QMouseEvent* event)
 {
     Q_ASSERT(event != NULL);
     Q_ASSERT(m_widget != NULL);
+    const QPoint pos = pixels::coordinatesUnder(*event);
     if (!(event->buttons() & Qt::LeftButton))
-        showCursorFor(wherePoint(event->pos()));
+        showCursorFor(wherePoint(pos));
     else if (m_pressSection != SECTION_OUTSIDE)
-        setRect(draggedRect(event->pos()));
+        setRect(draggedRect(pos));
 }
 
 void ResizableRect::showCursorFor(int section)

@@ -9,6 +9,7 @@
 #include "OverlayGeometry.h"
 #include "OverlayKeeper.h"
 #include "OverlayPainting.h"
+#include "PixelGrid.h"
 #include "ResizableRect.h"
 #include "ScribbleArea.h"
 #include "StyleSheets.h"
@@ -383,7 +384,7 @@ void ScreenCaptureWnd::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
     if (m_state == StateIdle) {
-        startSelection(event->pos());
+        startSelection(pixels::coordinatesUnder(*event));
     } else if (m_state == StateSelected) {
         updateMagnifier(event->windowPos());
         m_magnifier->setVisible(draggedSection() >= ResizableRect::SECTION_LEFT);
@@ -401,7 +402,7 @@ void ScreenCaptureWnd::mouseMoveEvent(QMouseEvent* event)
 {
     const bool leftHeld = event->buttons() & Qt::LeftButton;
     if (leftHeld && m_state == StateSelecting)
-        dragSelection(event->pos());
+        dragSelection(pixels::coordinatesUnder(*event));
     if (!leftHeld)
         updateGrabWindowRect(event->globalPos());
     if (m_magnifier->isVisible())
@@ -428,7 +429,7 @@ void ScreenCaptureWnd::mouseReleaseEvent(QMouseEvent* event)
             endSelection();
         m_magnifier->hide();
     } else if (event->button() == Qt::RightButton) {
-        releaseRightButton(event->pos());
+        releaseRightButton(pixels::coordinatesUnder(*event));
     }
 }
 
