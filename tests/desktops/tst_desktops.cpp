@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QLineF>
 #include <QProcess>
 #include <QScreen>
 #include <QTemporaryDir>
@@ -274,6 +275,8 @@ private slots:
     void keysReachTheCapture();
     void tabGoesThroughTheToolBar();
     void strokeIsUndoneAndRedone();
+    void strokeLiesWhereItIsDrawn();
+    void mosaicLiesWhereItIsDrawn();
     void typedTextArrives_data();
     void typedTextArrives();
     void windowThatOpensChangesNothing_data();
@@ -312,6 +315,10 @@ private:
     void keyToCapture(const QString& name);
     void openSaveDialog(const QRect& region);
     void expectEnd(const QString& how);
+    QRect overNotes() const;
+    void drawOver(const QRect& region, const QString& tool, const QPoint& from, const QPoint& to);
+    QImage regionBefore(const QRect& dragged) const;
+    QPoint inCanvas(const QRect& dragged, const QPoint& p) const;
     QRect selected(const QRect& dragged) const;
     void expectDelivered(const QRect& dragged);
     void expectAsBefore();
@@ -518,7 +525,11 @@ void tst_desktops::overlayIsTheDimmedDesktop()
 {
     startCapture();
     checkOverlay();
-    QVERIFY(where("ScreenCaptureWnd").contains(m_server->desktop()));
+    // It is made of whole coordinates.
+    const int beyond = qCeil(m_ratio) - 1;
+    const QRect overlay = where("ScreenCaptureWnd");
+    QVERIFY(overlay.contains(m_server->desktop()));
+    QVERIFY(m_server->desktop().adjusted(0, 0, beyond, beyond).contains(overlay));
     keyToCapture("Escape");
     expectEnd("cancelled");
 }
@@ -685,6 +696,90 @@ void tst_desktops::strokeIsUndoneAndRedone()
     keyToCapture("Return");
     expectEnd("captured");
     QCOMPARE(m_host->picture().pixelColor(onStroke - start), stroke);
+}
+
+/// Noise, of which each pixel tells its place.
+QRect tst_desktops::overNotes() const
+{
+    return {m_notes->mapToGlobal(QPoint(20, 60)), QSize(250, 130)};
+}
+
+/// Delivers the region with a stroke of the tool over it.
+void tst_desktops::drawOver(const QRect& region, const QString& tool, const QPoint& from,
+                            const QPoint& to)
+{
+    startCapture();
+    select(region);
+    clickOn(tool);
+    QVERIFY(waitFor([this] { return !where("subToolBar").isEmpty(); }));
+    drag(from, to);
+    keyToCapture("Return");
+    expectEnd("captured");
+}
+
+/// The pixels of the region that a drag over `dragged` selects.
+QImage tst_desktops::regionBefore(const QRect& dragged) const
+{
+    QImage picture = m_atStart.copy(selected(dragged));
+    picture.setDevicePixelRatio(m_ratio);
+    return picture;
+}
+
+/// The coordinates of the canvas over that region for a pixel of the screen.
+QPoint tst_desktops::inCanvas(const QRect& dragged, const QPoint& p) const
+{
+    const auto coordinate = [this](int pixel) { return qRound(pixel / m_ratio); };
+    const auto first = [this](int pixel) { return qFloor(pixel / m_ratio); };
+    return {coordinate(p.x()) - first(dragged.x()), coordinate(p.y()) - first(dragged.y())};
+}
+
+void tst_desktops::strokeLiesWhereItIsDrawn()
+{
+    const QRect region = overNotes();
+    const QPoint from = region.topLeft() + QPoint(40, 30);
+    const QPoint to = from + QPoint(150, 0);
+    drawOver(region, "scribble", from, to);
+    const QImage picture = m_host->picture();
+    QImage expected = regionBefore(region);
+    QCOMPARE(picture.size(), expected.size());
+    const QColor color = picture.pixelColor(inCanvas(region, from) * m_ratio);
+    QPainter painter(&expected);
+    painter.setPen(QPen(color, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawLine(inCanvas(region, from), inCanvas(region, (from + to) / 2));
+    painter.drawLine(inCanvas(region, (from + to) / 2), inCanvas(region, to));
+    painter.end();
+    const QString seen = difference(picture, expected);
+    QVERIFY2(seen.isEmpty(), qPrintable(seen));
+}
+
+// The edge of the brush is not looked at: there a pixel may be either.
+void tst_desktops::mosaicLiesWhereItIsDrawn()
+{
+    constexpr int blockSide = 2;
+    constexpr int brush = 16;
+    const QRect region = overNotes();
+    const QPoint from = region.topLeft() + QPoint(60, 60);
+    const QPoint to = from + QPoint(120, 0);
+    drawOver(region, "Mosaic", from, to);
+    const QImage picture = m_host->picture();
+    const QImage before = regionBefore(region);
+    const QImage blocks = inBlocks(before, blockSide);
+    QCOMPARE(picture.size(), before.size());
+    const QPointF start = inCanvas(region, from);
+    const QPointF end = inCanvas(region, to);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QPointF p = QPointF(x + 0.5, y + 0.5) / m_ratio;
+            const qreal away =
+                QLineF(p, QPointF(qBound(start.x(), p.x(), end.x()), start.y())).length();
+            if (qAbs(away - brush / 2) < 2)
+                continue;
+            const QImage& expected = away < brush / 2 ? blocks : before;
+            const QColor actual = picture.pixelColor(x, y);
+            QVERIFY2(actual.rgb() == expected.pixelColor(x, y).rgb(),
+                     qPrintable(text(QPoint(x, y)) + " is " + actual.name()));
+        }
+    }
 }
 
 void tst_desktops::typedTextArrives_data()

@@ -190,7 +190,7 @@ void OverlayKeeper::coverDesktop()
     const qreal ratio = m_overlay->devicePixelRatio();
     const QSize size(qRound(qCeil(desktop.width() / ratio) * ratio),
                      qRound(qCeil(desktop.height() / ratio) * ratio));
-    if (covered.contains(QRect(desktop.topLeft(), size)))
+    if (covered == QRect(desktop.topLeft(), size))
         return;
     const std::uint32_t place[] = {0, 0, static_cast<std::uint32_t>(size.width()),
                                    static_cast<std::uint32_t>(size.height())};
