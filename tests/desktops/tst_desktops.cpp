@@ -744,8 +744,6 @@ void tst_desktops::strokeLiesWhereItIsDrawn()
     QCOMPARE(picture.size(), expected.size());
     const QColor color = picture.pixelColor(inCanvas(region, from) * m_ratio);
     QPainter painter(&expected);
-    // Qt scales a painter only above 1.
-    painter.scale(qMin(m_ratio, 1.0), qMin(m_ratio, 1.0));
     painter.setPen(QPen(color, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawLine(inCanvas(region, from), inCanvas(region, (from + to) / 2));
     painter.drawLine(inCanvas(region, (from + to) / 2), inCanvas(region, to));
