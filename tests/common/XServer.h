@@ -120,6 +120,14 @@ public:
         return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
     }
 
+    /// Whether a window manager has a say in that window.
+    bool isManaged(xcb_window_t window) const
+    {
+        const auto reply = owned(xcb_get_window_attributes_reply(
+            m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
+        return reply && !reply->override_redirect;
+    }
+
     bool grabPointer() const
     {
         const auto reply = owned(xcb_grab_pointer_reply(

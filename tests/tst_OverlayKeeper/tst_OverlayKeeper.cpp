@@ -55,6 +55,7 @@ private slots:
 
     void dialogIsUnmanagedUntilHidden_data();
     void dialogIsUnmanagedUntilHidden();
+    void dialogThatIsOpenAtTheEndIsManagedAgain();
     void dialogThatIsNeverManagedStaysSo();
     void dialogThatWasOpenBeforeStaysBelow();
     void dialogHasTheKeyboard();
@@ -259,14 +260,30 @@ void tst_OverlayKeeper::dialogIsUnmanagedUntilHidden()
     QVERIFY(!isUnmanaged(window));
 }
 
+void tst_OverlayKeeper::dialogThatIsOpenAtTheEndIsManagedAgain()
+{
+    keep();
+    QDialog dialog;
+    dialog.open();
+    QTRY_COMPARE(m_server->focus(), idOf(dialog));
+    QVERIFY(!m_server->isManaged(idOf(dialog)));
+    endKeeping();
+    QVERIFY(m_server->isManaged(idOf(dialog)));
+    QVERIFY(m_server->isViewable(idOf(dialog)));
+    QVERIFY(!isUnmanaged(dialog));
+    QVERIFY(dialog.isVisible());
+}
+
 void tst_OverlayKeeper::dialogThatIsNeverManagedStaysSo()
 {
     keep();
     QWidget dialog(nullptr, Qt::Dialog | kUnmanaged);
     dialog.show();
+    QTRY_COMPARE(m_server->focus(), idOf(dialog));
     QVERIFY(isUnmanaged(dialog));
     dialog.hide();
     QVERIFY(isUnmanaged(dialog));
+    QTRY_COMPARE(m_server->focus(), overlay());
 }
 
 void tst_OverlayKeeper::dialogThatWasOpenBeforeStaysBelow()

@@ -54,23 +54,6 @@ bool standsAboveOverlay(const QWindow* window)
            (window && (window->type() == Qt::Popup || window->type() == Qt::ToolTip));
 }
 
-// To be called while the window is hidden: the X server has a window manager manage a window or not
-// when the window appears.
-void leaveUnmanagedUntilHidden(QWindow* window)
-{
-    const Qt::WindowFlags flags = window->flags();
-    if (flags & Qt::BypassWindowManagerHint)
-        return;
-    window->setFlags(flags | Qt::BypassWindowManagerHint);
-    auto* once = new QObject(window);
-    QObject::connect(window, &QWindow::visibleChanged, once, [window, flags, once](bool visible) {
-        if (visible)
-            return;
-        window->setFlags(flags);
-        once->deleteLater();
-    });
-}
-
 // In physical pixels; null where there is no such window.
 QRect geometryOf(xcb_connection_t* connection, xcb_window_t id)
 {
@@ -124,19 +107,27 @@ OverlayKeeper::~OverlayKeeper()
 {
     if (!m_connection)
         return;
-    if (m_formerFocus) {
-        giveFocus(m_formerFocus);
-        // The server drops what it has not read yet when a client goes away: wait until it has.
-        focus();
+    for (auto dialog = m_flags.cbegin(); dialog != m_flags.cend(); ++dialog) {
+        letBeManaged(static_cast<xcb_window_t>(dialog.key()->winId()));
+        dialog.key()->setFlags(dialog.value());
     }
+    if (m_formerFocus)
+        giveFocus(m_formerFocus);
+    // The server drops what it has not read yet when a client goes away: wait until it has.
+    focus();
     xcb_disconnect(m_connection);
 }
 
+// The X server has a window manager manage a window or not when the window appears.
 bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
 {
-    auto* window = event->type() == QEvent::Show ? qobject_cast<QWindow*>(watched) : nullptr;
-    if (window != m_overlay && isDialog(window))
-        leaveUnmanagedUntilHidden(window);
+    auto* window = qobject_cast<QWindow*>(watched);
+    if (event->type() == QEvent::Show && isDialog(window)) {
+        m_flags.insert(window, window->flags());
+        window->setFlags(window->flags() | Qt::BypassWindowManagerHint);
+    } else if (event->type() == QEvent::Hide && m_flags.contains(window)) {
+        window->setFlags(m_flags.take(window));
+    }
     return QObject::eventFilter(watched, event);
 }
 
@@ -217,7 +208,8 @@ void OverlayKeeper::keepAbove(xcb_window_t managed)
     if (covering == stack.end())
         return;
     // From above, because each of them comes to stand under those before it.
-    for (auto own = covering; own-- != overlay;) {
+    for (auto own = covering; own != overlay;) {
+        --own;
         if (own == overlay || standsAboveOverlay(ownWindow(*own)))
             putAbove(*own, managed);
     }
@@ -252,6 +244,15 @@ void OverlayKeeper::giveFocus(xcb_window_t id)
 {
     xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_POINTER_ROOT, id, XCB_CURRENT_TIME);
     xcb_flush(m_connection);
+}
+
+// It appears anew, without Qt: a dialog that Qt hides ends its event loop.
+void OverlayKeeper::letBeManaged(xcb_window_t id)
+{
+    const std::uint32_t overrideRedirect = 0;
+    xcb_unmap_window(m_connection, id);
+    xcb_change_window_attributes(m_connection, id, XCB_CW_OVERRIDE_REDIRECT, &overrideRedirect);
+    xcb_map_window(m_connection, id);
 }
 
 void OverlayKeeper::putAbove(xcb_window_t id, xcb_window_t other)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QHash>
 #include <QObject>
 #include <QTimer>
 
@@ -14,8 +15,8 @@ class QWindow;
 /// A window manager does both for the windows that it manages, but lets none of them cover every
 /// screen. The keeper also looks after the dialogs that the application opens in the meantime:
 /// these are not managed either, stand above the overlay and have the keyboard until they are
-/// hidden. All other windows stay below. Nothing is grabbed, so nothing outlives a process that is
-/// killed.
+/// hidden. Those that are still open at the end are managed from then on. All other windows stay
+/// below. Nothing is grabbed, so nothing outlives a process that is killed.
 ///
 /// GUI thread only. Does nothing on other platforms than X11.
 class OverlayKeeper : public QObject
@@ -44,12 +45,15 @@ private:
     void keepKeyboard();
     xcb_window_t focus() const;
     void giveFocus(xcb_window_t id);
+    void letBeManaged(xcb_window_t id);
     void putAbove(xcb_window_t id, xcb_window_t other);
 
     QWindow* m_overlay;
     xcb_connection_t* m_connection = nullptr;
     xcb_window_t m_root = XCB_NONE;
     xcb_window_t m_formerFocus = XCB_NONE;
+    /// Those of the open dialogs that are not managed meanwhile.
+    QHash<QWindow*, Qt::WindowFlags> m_flags;
     QTimer m_pause;
 
     Q_DISABLE_COPY(OverlayKeeper)
