@@ -19,8 +19,6 @@ namespace
 // Another program that takes the keyboard back each time is answered no more often than that.
 constexpr int kPauseMs = 20;
 
-constexpr std::uint8_t kSentEventBit = 0x80;
-
 template <typename Reply>
 std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply)
 {
@@ -85,10 +83,10 @@ OverlayKeeper::OverlayKeeper(QWindow* overlay)
     if (xcb_connection_has_error(m_connection))
         return;
     m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
-    m_formerFocus = focus();
     const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection, m_root, XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(m_connection);
+    // Comes back once the server has set the mask, so that the overlay does not appear unnoticed.
+    m_formerFocus = focus();
 
     auto* notifier =
         new QSocketNotifier(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read, this);
@@ -139,14 +137,13 @@ void OverlayKeeper::readEvents()
 
 void OverlayKeeper::handle(const xcb_generic_event_t& event)
 {
-    switch (event.response_type & ~kSentEventBit) {
+    switch (event.response_type) {
     case XCB_MAP_NOTIFY:
         windowAppeared(reinterpret_cast<const xcb_map_notify_event_t&>(event));
         break;
     case XCB_CONFIGURE_NOTIFY:
         windowMoved(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
         break;
-    case XCB_UNMAP_NOTIFY:
     case XCB_FOCUS_OUT:
         keepKeyboard();
         break;
