@@ -120,12 +120,12 @@ public:
         return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
     }
 
-    /// Whether a window manager has a say in that window.
-    bool isManaged(xcb_window_t window) const
+    /// From now on no window appears that a window manager would manage.
+    void refuseWindows() const
     {
-        const auto reply = owned(xcb_get_window_attributes_reply(
-            m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
-        return reply && !reply->override_redirect;
+        const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
+        xcb_change_window_attributes(m_connection, m_root, XCB_CW_EVENT_MASK, &mask);
+        focus();
     }
 
     bool grabPointer() const
