@@ -1106,12 +1106,15 @@ void tst_desktops::changeOfScreensNeverGivesAWrongPicture_data()
 {
     QTest::addColumn<QStringList>("change");
     const QString last = QGuiApplication::screens().last()->name();
+    const QSize swapped = screens().last().size().transposed();
     const QString beside = QString::number(m_server->desktop().width()) + "x0";
     QTest::newRow("added") << QStringList{"--output",    kSpareOutput, "--mode",
                                           "own-640x480", "--pos",      beside};
     if (screens().size() > 1)
         QTest::newRow("removed") << QStringList{"--output", last, "--off"};
-    QTest::newRow("rotated") << QStringList{"--output", last, "--mode", "own-600x800"};
+    QTest::newRow("rotated") << QStringList{
+        "--output", last, "--mode",
+        QStringLiteral("own-%1x%2").arg(swapped.width()).arg(swapped.height())};
     QTest::newRow("resized") << QStringList{"--output", last, "--mode", "own-640x480"};
 }
 
