@@ -284,6 +284,11 @@ void tst_OverlayKeeper::dialogThatIsNeverManagedStaysSo()
     dialog.hide();
     QVERIFY(isUnmanaged(dialog));
     QTRY_COMPARE(m_server->focus(), overlay());
+    dialog.show();
+    m_server->refuseWindows();
+    endKeeping();
+    QVERIFY(isUnmanaged(dialog));
+    QVERIFY(m_server->isViewable(idOf(dialog)));
 }
 
 void tst_OverlayKeeper::dialogThatWasOpenBeforeStaysBelow()

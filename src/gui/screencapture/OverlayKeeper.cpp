@@ -120,7 +120,7 @@ OverlayKeeper::~OverlayKeeper()
 bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
 {
     auto* window = qobject_cast<QWindow*>(watched);
-    if (event->type() == QEvent::Show && isDialog(window)) {
+    if (event->type() == QEvent::Show && isDialog(window) && !isUnmanagedDialog(window)) {
         m_flags.insert(window, window->flags());
         window->setFlags(window->flags() | Qt::BypassWindowManagerHint);
     } else if (event->type() == QEvent::Hide && m_flags.contains(window)) {
