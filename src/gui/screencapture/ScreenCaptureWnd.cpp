@@ -311,7 +311,6 @@ void ScreenCaptureWnd::showEvent(QShowEvent* event)
         m_ended = false;
         if (m_fullDesktop)
             m_keeper = new OverlayKeeper(windowHandle());
-        windowHandle()->installEventFilter(this);
         connect(windowHandle(), &QWindow::screenChanged, this,
                 &ScreenCaptureWnd::updateMagnifierAtCursor, Qt::UniqueConnection);
     }
@@ -351,8 +350,6 @@ void ScreenCaptureWnd::deliverAndHide(const QImage& image, bool finished)
 bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
 {
     Q_ASSERT(event != NULL);
-    if (watched == windowHandle() && event->type() == QEvent::UpdateRequest && !paintsPartsRight())
-        update();
     const QPointer<ScreenCaptureWnd> alive(this);
     if (watched == m_scribbleArea) {
         if (event->type() == QEvent::MouseButtonDblClick)
@@ -363,13 +360,6 @@ bool ScreenCaptureWnd::eventFilter(QObject* watched, QEvent* event)
     }
     // If the host deleted the window, the canvas is gone too.
     return alive ? QDialog::eventFilter(watched, event) : true;
-}
-
-// Qt paints all of a window right, but a part only if its painter has the window's ratio: painters
-// round the ratio, and have none below 1.
-bool ScreenCaptureWnd::paintsPartsRight() const
-{
-    return qMax(devicePixelRatioF(), 1.0) == screen()->devicePixelRatio();
 }
 
 // Queued, because the canvas knows what can be redone only after it has handled the event.

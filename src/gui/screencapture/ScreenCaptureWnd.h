@@ -153,7 +153,6 @@ private:
     void deliverAndHide(const QImage& image, bool finished);
     void hideCanvas();
     DesktopPicture desktopPicture() const;
-    bool paintsPartsRight() const;
     void cancelIfShown();
     void updateMagnifier(const QPointF& pos);
     int draggedSection() const;
