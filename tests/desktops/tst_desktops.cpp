@@ -319,6 +319,7 @@ private:
     void drawOver(const QRect& region, const QString& tool, const QPoint& from, const QPoint& to);
     QImage regionBefore(const QRect& dragged) const;
     QPoint inCanvas(const QRect& dragged, const QPoint& p) const;
+    QPoint coordinatesAt(const QPoint& pixel) const;
     QRect selected(const QRect& dragged) const;
     void expectDelivered(const QRect& dragged);
     void expectAsBefore();
@@ -593,14 +594,27 @@ void tst_desktops::expectEnd(const QString& how)
     QCOMPARE(end, how);
 }
 
+/// The overlay's coordinates that lie on a pixel.
+QPoint tst_desktops::coordinatesAt(const QPoint& pixel) const
+{
+    const auto coordinate = [this](int edge) {
+        int result = 0;
+        while (qRound((result + 1) * m_ratio) <= edge)
+            ++result;
+        return result;
+    };
+    return {coordinate(pixel.x()), coordinate(pixel.y())};
+}
+
 /// The physical pixels of the region that a drag over these selects. The overlay's coordinates are
 /// as many pixels wide as its ratio says, and so are those at the region's edges.
 QRect tst_desktops::selected(const QRect& dragged) const
 {
-    const auto first = [this](int pixel) { return qRound(qFloor(pixel / m_ratio) * m_ratio); };
-    const auto end = [this](int pixel) { return qRound((qFloor(pixel / m_ratio) + 1) * m_ratio); };
-    const QRect region(QPoint(first(dragged.left()), first(dragged.top())),
-                       QPoint(end(dragged.right()) - 1, end(dragged.bottom()) - 1));
+    const auto edge = [this](int coordinate) { return qRound(coordinate * m_ratio); };
+    const QPoint first = coordinatesAt(dragged.topLeft());
+    const QPoint last = coordinatesAt(dragged.bottomRight());
+    const QRect region(QPoint(edge(first.x()), edge(first.y())),
+                       QPoint(edge(last.x() + 1) - 1, edge(last.y() + 1) - 1));
     return region & m_server->desktop();
 }
 
@@ -728,9 +742,7 @@ QImage tst_desktops::regionBefore(const QRect& dragged) const
 /// The coordinates of the canvas over that region for a pixel of the screen.
 QPoint tst_desktops::inCanvas(const QRect& dragged, const QPoint& p) const
 {
-    const auto coordinate = [this](int pixel) { return qRound(pixel / m_ratio); };
-    const auto first = [this](int pixel) { return qFloor(pixel / m_ratio); };
-    return {coordinate(p.x()) - first(dragged.x()), coordinate(p.y()) - first(dragged.y())};
+    return (QPointF(p) / m_ratio).toPoint() - coordinatesAt(dragged.topLeft());
 }
 
 void tst_desktops::strokeLiesWhereItIsDrawn()

@@ -28,6 +28,8 @@ private slots:
     void rectanglesMatchTheReference_data();
     void rectanglesMatchTheReference();
     void ratioOfOneChangesNothing();
+    void coordinatesUnderThePointerHaveItsPixel_data() { rectanglesMatchTheReference_data(); }
+    void coordinatesUnderThePointerHaveItsPixel();
 };
 
 void tst_PixelGrid::rectanglesMatchTheReference_data()
@@ -78,6 +80,21 @@ void tst_PixelGrid::ratioOfOneChangesNothing()
                               QRect(-7, -8, 20, 30), QRect(0, 0, 65535, 1)}) {
         QCOMPARE(pixels::nearest(rect, 1), rect);
         QCOMPARE(pixels::outward(rect, 1), rect);
+    }
+}
+
+void tst_PixelGrid::coordinatesUnderThePointerHaveItsPixel()
+{
+    QFETCH(qreal, ratio);
+    for (int pixel = 0; pixel < 5000; ++pixel) {
+        const QPointF inWindow(pixel / ratio, (pixel + 1) / ratio);
+        // As Qt hands it to a widget at (30, 40).
+        const QPoint inWidget = inWindow.toPoint() - QPoint(30, 40);
+        const QMouseEvent event(QEvent::MouseMove, inWidget, inWindow, QPointF(), Qt::NoButton,
+                                Qt::NoButton, Qt::NoModifier);
+        const QPoint under = pixels::coordinatesUnder(event, ratio) + QPoint(30, 40);
+        QVERIFY(
+            pixels::nearest(QRect(under, QSize(1, 1)), ratio).contains(QPoint(pixel, pixel + 1)));
     }
 }
 

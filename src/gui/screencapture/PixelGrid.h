@@ -37,13 +37,16 @@ inline QRect outward(const QRect& rect, qreal ratio)
     return {topLeft, end - QPoint(1, 1)};
 }
 
-/// The widget's coordinates on whose physical pixels the pointer is. QMouseEvent::pos() is rounded
-/// to the nearest ones, which may lie beyond them.
-inline QPoint coordinatesUnder(const QMouseEvent& event)
+/// The widget's coordinates of which nearest() makes pixels that hold the one under the pointer.
+/// QMouseEvent::pos() is rounded to other ones, which may even lie beyond the widget.
+inline QPoint coordinatesUnder(const QMouseEvent& event, qreal ratio)
 {
+    // Just short of the pixel's centre: an edge there is rounded to the next pixel.
+    constexpr qreal centre = 0.499;
     const QPointF inWindow = event.windowPos();
-    const QPoint rounding = inWindow.toPoint() - QPoint(qFloor(inWindow.x()), qFloor(inWindow.y()));
-    return event.pos() - rounding;
+    const QPoint under(qFloor(inWindow.x() + centre / ratio),
+                       qFloor(inWindow.y() + centre / ratio));
+    return event.pos() + under - inWindow.toPoint();
 }
 
 } // namespace pixels

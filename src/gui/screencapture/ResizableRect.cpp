@@ -388,7 +388,7 @@ void ResizableRect::mousePressEventFilter(QMouseEvent* event)
     Q_ASSERT(event != NULL);
     if (event->button() != Qt::LeftButton)
         return;
-    const QPoint pos = pixels::coordinatesUnder(*event);
+    const QPoint pos = pixels::coordinatesUnder(*event, m_widget->devicePixelRatioF());
     m_pressSection = wherePoint(pos);
     m_pressOffset = pos - rect().topLeft();
 }
@@ -409,7 +409,7 @@ void ResizableRect::mouseMoveEventFilter(QMouseEvent* event)
 {
     Q_ASSERT(event != NULL);
     Q_ASSERT(m_widget != NULL);
-    const QPoint pos = pixels::coordinatesUnder(*event);
+    const QPoint pos = pixels::coordinatesUnder(*event, m_widget->devicePixelRatioF());
     if (!(event->buttons() & Qt::LeftButton))
         showCursorFor(wherePoint(pos));
     else if (m_pressSection != SECTION_OUTSIDE)

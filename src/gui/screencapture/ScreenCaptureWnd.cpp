@@ -374,7 +374,7 @@ void ScreenCaptureWnd::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
     if (m_state == StateIdle) {
-        startSelection(pixels::coordinatesUnder(*event));
+        startSelection(pixels::coordinatesUnder(*event, devicePixelRatioF()));
     } else if (m_state == StateSelected) {
         updateMagnifier(event->windowPos());
         m_magnifier->setVisible(draggedSection() >= ResizableRect::SECTION_LEFT);
@@ -392,7 +392,7 @@ void ScreenCaptureWnd::mouseMoveEvent(QMouseEvent* event)
 {
     const bool leftHeld = event->buttons() & Qt::LeftButton;
     if (leftHeld && m_state == StateSelecting)
-        dragSelection(pixels::coordinatesUnder(*event));
+        dragSelection(pixels::coordinatesUnder(*event, devicePixelRatioF()));
     if (!leftHeld)
         updateGrabWindowRect(event->globalPos());
     if (m_magnifier->isVisible())
@@ -419,7 +419,7 @@ void ScreenCaptureWnd::mouseReleaseEvent(QMouseEvent* event)
             endSelection();
         m_magnifier->hide();
     } else if (event->button() == Qt::RightButton) {
-        releaseRightButton(pixels::coordinatesUnder(*event));
+        releaseRightButton(pixels::coordinatesUnder(*event, devicePixelRatioF()));
     }
 }
 
