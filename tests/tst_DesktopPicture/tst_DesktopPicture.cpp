@@ -75,8 +75,7 @@ void tst_DesktopPicture::cutHasThePixelsBetweenTheEdges()
             const QPoint begin = windowPos + QPoint(expected.first(), expected.first());
             const QPoint end = windowPos + QPoint(expected.last(), expected.last());
             QCOMPARE(image.pixel(0, 0), picture.bright.pixel(begin));
-            QCOMPARE(image.pixel(image.width() - 1, image.height() - 1),
-                     picture.bright.pixel(end));
+            QCOMPARE(image.pixel(image.width() - 1, image.height() - 1), picture.bright.pixel(end));
         }
     }
 }

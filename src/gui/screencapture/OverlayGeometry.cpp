@@ -56,8 +56,8 @@ QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, co
 {
     const int needed = bar.height() + extraHeight + kToolBarGapPx;
     const bool roomBelow = region.bottom() + needed <= screen.bottom();
-    const int y = roomBelow ? region.bottom() + kToolBarGapPx
-                            : qMax(screen.top(), region.top() - needed);
+    const int y =
+        roomBelow ? region.bottom() + kToolBarGapPx : qMax(screen.top(), region.top() - needed);
     return {qMax(screen.left(), region.right() - bar.width()), y};
 }
 

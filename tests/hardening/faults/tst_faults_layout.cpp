@@ -3,9 +3,9 @@
 #include "CaptureProbe.h"
 #include "Screen.h"
 #include "ScribbleArea.h"
+#include "XServer.h"
 
 #include <QApplication>
-#include <QDesktopWidget>
 #include <QPushButton>
 
 namespace
@@ -39,7 +39,7 @@ void switchOffAndShrink()
 {
     switchOff();
     xrandr("--fb 640x480");
-    QTRY_COMPARE(QApplication::desktop()->geometry().size(), QSize(640, 480));
+    QTRY_COMPARE(XServer().desktop().size(), QSize(640, 480));
 }
 
 void switchOn()
@@ -48,7 +48,7 @@ void switchOn()
     QTRY_VERIFY(isOn());
     QTRY_COMPARE(QGuiApplication::screens().size(), 1);
     QTRY_COMPARE(screenRect().size(), QSize(1024, 768));
-    QTRY_COMPARE(QApplication::desktop()->geometry().size(), QSize(1024, 768));
+    QTRY_COMPARE(XServer().desktop().size(), QSize(1024, 768));
 }
 
 } // namespace
