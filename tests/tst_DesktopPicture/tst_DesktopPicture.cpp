@@ -34,8 +34,8 @@ class tst_DesktopPicture : public BehaviourTest
 private slots:
     void cutHasThePixelsBetweenTheEdges_data();
     void cutHasThePixelsBetweenTheEdges();
-    void cutEndsWithTheDesktop();
-    void cutBeyondTheWindowIsFilled();
+    void denseCutEndsWithTheDesktop();
+    void cutBeyondTheDesktopIsFilledAtOne();
     void nothingIsCutFromNothing();
     void pointIsOnThePixelFromWhichItCame();
     void windowRectIsWhollyWithin();
@@ -80,21 +80,26 @@ void tst_DesktopPicture::cutHasThePixelsBetweenTheEdges()
     }
 }
 
-// A window of ratio 2 is one pixel larger than the desktop, whose sides are odd.
-void tst_DesktopPicture::cutEndsWithTheDesktop()
+// The last coordinate of a window reaches beyond a desktop that the ratio does not divide.
+void tst_DesktopPicture::denseCutEndsWithTheDesktop()
 {
-    const DesktopPicture picture = pictureAt(QPoint(), 2);
-    QCOMPARE(picture.cut(QRect(0, 0, 51, 34)), QRect(QPoint(), kDesktop));
-    QCOMPARE(picture.cut(QRect(50, 33, 1, 1)), QRect(100, 66, 1, 1));
-    QCOMPARE(picture.pixels(QRect(0, 0, 51, 34)), QRect(0, 0, 102, 68));
+    for (const qreal ratio : {0.75, 1.25, 1.5, 1.75, 2.0, 2.625, 3.0}) {
+        const DesktopPicture picture = pictureAt(QPoint(), ratio);
+        for (int beyond : {0, 1, 20}) {
+            const QSize window(qCeil(kDesktop.width() / ratio), qCeil(kDesktop.height() / ratio));
+            QCOMPARE(picture.cut(QRect(QPoint(), window + QSize(beyond, beyond))),
+                     QRect(QPoint(), kDesktop));
+        }
+    }
+    QCOMPARE(pictureAt(QPoint(), 2).cut(QRect(50, 33, 1, 1)), QRect(100, 66, 1, 1));
 }
 
-// Of a window that a host has made larger than the desktop.
-void tst_DesktopPicture::cutBeyondTheWindowIsFilled()
+// Intended: at a ratio of 1 a region that leaves the desktop keeps its size.
+void tst_DesktopPicture::cutBeyondTheDesktopIsFilledAtOne()
 {
     const DesktopPicture picture = pictureAt(QPoint(), 1);
     QCOMPARE(picture.copy(QRect(90, 0, 20, 5)), picture.bright.copy(QRect(90, 0, 20, 5)));
-    QCOMPARE(pictureAt(QPoint(), 2).cut(QRect(40, 0, 20, 5)), QRect(80, 0, 40, 10));
+    QCOMPARE(picture.cut(QRect(90, 0, 20, 5)), QRect(90, 0, 20, 5));
 }
 
 void tst_DesktopPicture::nothingIsCutFromNothing()

@@ -8,7 +8,7 @@ namespace
 
 int withinDesktop(int edge, int end, qreal ratio)
 {
-    return edge > end && edge < end + ratio ? end : edge;
+    return ratio == 1 ? edge : qMin(edge, end);
 }
 
 } // namespace

@@ -24,8 +24,8 @@ struct DesktopPicture {
     /// rounded to the nearest.
     QRect pixels(const QRect& area) const;
 
-    /// Returns the pixels that copy() returns. The window is made of whole pixels of its own, of
-    /// which the outermost may reach beyond the desktop: there the cut ends where the desktop does.
+    /// Returns the pixels that copy() returns. A window's last coordinate may reach beyond a
+    /// desktop that the ratio does not divide: there the cut ends where the desktop does.
     QRect cut(const QRect& area) const;
 
     /// Returns the pixel at a point in window coordinates.

@@ -169,16 +169,17 @@ void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
     }
 }
 
-// Qt places a window in coordinates that it scales and rounds, by one screen where each has its own
-// ratio. The overlay is made of whole coordinates, which Qt follows.
+// Qt places a window in coordinates that it scales and rounds, by the screen on which its middle
+// is. The overlay's size does not depend on that screen: it could come to another one, and back.
 void OverlayKeeper::coverDesktop()
 {
     const QRect covered = geometryOf(m_connection, static_cast<xcb_window_t>(m_overlay->winId()));
-    const QRect desktop = geometryOf(m_connection, m_root);
-    const qreal ratio = m_overlay->devicePixelRatio();
-    const QSize size(qRound(qCeil(desktop.width() / ratio) * ratio),
-                     qRound(qCeil(desktop.height() / ratio) * ratio));
-    if (covered == QRect(desktop.topLeft(), size))
+    QSize size = geometryOf(m_connection, m_root).size();
+    // As much as Qt may take away when it rounds the size.
+    const qreal largestRatio = qApp->devicePixelRatio();
+    if (largestRatio > 1)
+        size += QSize(1, 1) * qCeil(largestRatio / 2);
+    if (covered == QRect(QPoint(), size))
         return;
     const std::uint32_t place[] = {0, 0, static_cast<std::uint32_t>(size.width()),
                                    static_cast<std::uint32_t>(size.height())};
