@@ -9,6 +9,7 @@
 #include <QtMath>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <vector>
@@ -58,6 +59,14 @@ QRect geometryOf(xcb_connection_t* connection, xcb_window_t id)
     const auto reply =
         owned(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, id), nullptr));
     return reply ? QRect(reply->x, reply->y, reply->width, reply->height) : QRect();
+}
+
+// Adds as much as Qt may take away when it rounds to whole coordinates.
+int roundedUp(int pixels)
+{
+    const qreal largestRatio = qApp->devicePixelRatio();
+    const bool isWhole = std::fmod(pixels, largestRatio) == 0;
+    return isWhole ? pixels : pixels + qCeil(largestRatio / 2);
 }
 
 /// The windows of a display, from the lowest to the highest.
@@ -174,11 +183,8 @@ void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
 void OverlayKeeper::coverDesktop()
 {
     const QRect covered = geometryOf(m_connection, static_cast<xcb_window_t>(m_overlay->winId()));
-    QSize size = geometryOf(m_connection, m_root).size();
-    // As much as Qt may take away when it rounds the size.
-    const qreal largestRatio = qApp->devicePixelRatio();
-    if (largestRatio > 1)
-        size += QSize(1, 1) * qCeil(largestRatio / 2);
+    const QSize desktop = geometryOf(m_connection, m_root).size();
+    const QSize size(roundedUp(desktop.width()), roundedUp(desktop.height()));
     if (covered == QRect(QPoint(), size))
         return;
     const std::uint32_t place[] = {0, 0, static_cast<std::uint32_t>(size.width()),
