@@ -498,9 +498,13 @@ void ScreenCaptureWnd::onCaptureRectChanged(const QRect& rect)
 // What the window covers of the screen on which `p` is, or of the nearest to it.
 QRect ScreenCaptureWnd::screenAt(const QPoint& p) const
 {
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    // A drag asks at every move.
+    if (screens.size() < 2)
+        return rect();
     const DesktopPicture desktop = desktopPicture();
     QVector<QRect> areas;
-    for (const QScreen* screen : QGuiApplication::screens()) {
+    for (const QScreen* screen : screens) {
         const QRect covered = desktop.windowRect(NativeDesktop::pixelsOf(*screen)) & rect();
         if (!covered.isEmpty())
             areas << covered;
