@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QImage>
+#include <QProcess>
+#include <QRect>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <xcb/xcb.h>
+
+/// The process that takes the capture.
+class HostProcess
+{
+public:
+    HostProcess();
+    ~HostProcess();
+    void kill();
+
+    bool lives() const { return m_process.state() == QProcess::Running; }
+    bool hasEnded() const { return !m_end.isEmpty() || !lives(); }
+
+    /// Empty where there is no answer, because the capture has ended or hangs.
+    QString ask(const QString& question);
+
+    struct Place {
+        xcb_window_t window = XCB_NONE;
+        QRect inWindow;
+    };
+    Place place(const QString& name);
+    QString content(const QString& name) { return ask("content " + name); }
+    /// The physical pixels of each of the overlay's coordinates.
+    qreal ratio() { return ask("ratio ScreenCaptureWnd").toDouble(); }
+
+    /// "captured" or "cancelled"; empty where the capture does not end.
+    QString end();
+    QImage picture() const { return QImage(m_scratch.filePath("picture.bmp")); }
+
+private:
+    QTemporaryDir m_scratch;
+    QProcess m_process;
+    QString m_end;
+};
