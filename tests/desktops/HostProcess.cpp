@@ -9,9 +9,12 @@ HostProcess::HostProcess()
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     // Its scale factor is not this program's.
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(qEnvironmentVariable("scale_name"), qEnvironmentVariable("scale_value"));
-    m_process.setProcessEnvironment(environment);
+    const QString variable = qEnvironmentVariable("scale_name");
+    if (!variable.isEmpty()) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(variable, qEnvironmentVariable("scale_value"));
+        m_process.setProcessEnvironment(environment);
+    }
     m_process.start(QCoreApplication::applicationDirPath() + "/desktop-host",
                     {m_scratch.filePath("picture.bmp")});
     m_process.waitForStarted();
