@@ -3,6 +3,7 @@
 // its place, driven by real X events. Prints one number; ./bench runs all of them and compares.
 //   bench_overlay WHAT library|floor
 //   bench_overlay exec COMMAND       for any other program that covers the screen when it starts
+// Of the library also with QT_SCALE_FACTOR set: the pointer goes over the same physical pixels.
 #include "BareOverlay.h"
 #include "Driver.h"
 #include "Mouse.h"
@@ -34,9 +35,11 @@ constexpr int kMosaic = 5;
 constexpr int kMoves = 120;
 constexpr int kMovesPerSecond = 60;
 
+/// In physical pixels, which the driver counts in.
 QSize screenSize()
 {
-    return QGuiApplication::primaryScreen()->size();
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return screen->size() * screen->devicePixelRatio();
 }
 
 double mainThreadMs()
