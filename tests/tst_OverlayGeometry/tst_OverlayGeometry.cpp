@@ -145,7 +145,7 @@ void tst_OverlayGeometry::nearestScreenIsFound()
     QFETCH(QPoint, p);
     QFETCH(int, screen);
     const QVector<QRect> screens{{0, 0, 100, 100}, {100, 40, 100, 100}, {0, 100, 100, 100}};
-    QCOMPARE(overlay::nearest(p, screens), screens[screen]);
+    QCOMPARE(overlay::nearestScreen(p, screens), screens[screen]);
 }
 
 void tst_OverlayGeometry::barIsMovedOntoItsScreen_data()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
+#include "NativeDesktop.h"
 #include "OverlayKeeper.h"
 #include "XServer.h"
 
@@ -71,6 +72,7 @@ private:
     void endKeeping() { m_keeper.reset(); }
     xcb_window_t overlay() const { return idOf(*m_overlay); }
 
+    NativeDesktop m_desktop;
     QScopedPointer<XServer> m_server;
     QScopedPointer<QWidget> m_overlay;
     QScopedPointer<OverlayKeeper> m_keeper;
@@ -96,7 +98,7 @@ void tst_OverlayKeeper::cleanup()
 
 void tst_OverlayKeeper::keep()
 {
-    m_keeper.reset(new OverlayKeeper(m_overlay->windowHandle()));
+    m_keeper.reset(new OverlayKeeper(m_overlay->windowHandle(), m_desktop));
     m_overlay->show();
     QTRY_COMPARE(m_server->focus(), overlay());
 }
@@ -361,7 +363,7 @@ void tst_OverlayKeeper::withoutAConnectionNothingHappens()
 {
     const QByteArray display = qgetenv("DISPLAY");
     qputenv("DISPLAY", ":none");
-    m_keeper.reset(new OverlayKeeper(m_overlay->windowHandle()));
+    m_keeper.reset(new OverlayKeeper(m_overlay->windowHandle(), m_desktop));
     qputenv("DISPLAY", display);
     m_overlay->show();
     QDialog dialog;
@@ -388,7 +390,8 @@ static int keepElsewhere()
 {
     QWidget overlay;
     overlay.winId();
-    const OverlayKeeper keeper(overlay.windowHandle());
+    const NativeDesktop desktop;
+    const OverlayKeeper keeper(overlay.windowHandle(), desktop);
     overlay.show();
     QDialog dialog;
     dialog.show();

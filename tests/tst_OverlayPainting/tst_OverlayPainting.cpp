@@ -102,6 +102,8 @@ private slots:
     void dimmedPictureIsBlackAtAlpha100();
     void layersArePaintedInTheChangedRectangle_data();
     void layersArePaintedInTheChangedRectangle();
+    void canvasOfAnotherRatioFillsTheRegion_data();
+    void canvasOfAnotherRatioFillsTheRegion();
     void eachPixelIsPaintedOnce_data();
     void eachPixelIsPaintedOnce();
     void highlightIsBrightInAThickFrame_data();
@@ -169,6 +171,33 @@ void tst_OverlayPainting::layersArePaintedInTheChangedRectangle()
                           });
         }
     }
+}
+
+void tst_OverlayPainting::canvasOfAnotherRatioFillsTheRegion_data()
+{
+    QTest::addColumn<qreal>("ofCanvas");
+    QTest::addColumn<qreal>("ofWindow");
+    QTest::newRow("2 to 1") << 2.0 << 1.0;
+    QTest::newRow("1 to 2") << 1.0 << 2.0;
+    QTest::newRow("1.5 to 1") << 1.5 << 1.0;
+    QTest::newRow("1.5 to 2") << 1.5 << 2.0;
+}
+
+// The window has come to a screen of another ratio since the region was first annotated.
+void tst_OverlayPainting::canvasOfAnotherRatioFillsTheRegion()
+{
+    QFETCH(qreal, ofCanvas);
+    QFETCH(qreal, ofWindow);
+    const QSize size = physical(QRect(QPoint(), kWindow), ofWindow).size();
+    QImage canvas(physical(kRegion, ofCanvas).size(), QImage::Format_RGB32);
+    canvas.fill(Qt::green);
+    canvas.setDevicePixelRatio(ofCanvas);
+    const QImage desktop = noise(size);
+    compareLayers(sceneOf(desktop, kRegion, canvas, QPoint(), ofWindow),
+                  [&](QPainter& painter, const QRect&) {
+                      painter.drawImage(0, 0, dimmed(desktop));
+                      painter.fillRect(physical(kRegion, ofWindow), Qt::green);
+                  });
 }
 
 void tst_OverlayPainting::eachPixelIsPaintedOnce_data()

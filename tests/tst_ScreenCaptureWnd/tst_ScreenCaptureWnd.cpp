@@ -30,6 +30,7 @@ private slots:
     void theSameWindowServesOneCapture();
     void fullDesktopSavesAndRestoresTheGeometry();
     void fullDesktopIsNotManaged();
+    void flagOfTheHostOutlastsTheFullDesktop();
     void fullDesktopShowsTheWindowWhateverChanged();
     void failedGrabGivesNullPictures();
 
@@ -154,6 +155,17 @@ void tst_ScreenCaptureWnd::fullDesktopIsNotManaged()
     QCOMPARE(window()->windowFlags(), flags | Qt::X11BypassWindowManagerHint);
     window()->showFullDesktop(false);
     QCOMPARE(window()->windowFlags(), flags);
+}
+
+void tst_ScreenCaptureWnd::flagOfTheHostOutlastsTheFullDesktop()
+{
+    window()->showFullDesktop(false);
+    window()->setWindowFlag(Qt::X11BypassWindowManagerHint);
+    const Qt::WindowFlags flags = window()->windowFlags();
+    for (const bool full : {true, true, false, false}) {
+        window()->showFullDesktop(full);
+        QCOMPARE(window()->windowFlags(), flags);
+    }
 }
 
 void tst_ScreenCaptureWnd::fullDesktopShowsTheWindowWhateverChanged()

@@ -53,6 +53,8 @@ private slots:
     void shapeIsShownAndThenCommitted();
     void shapeIsShownOnThePixelsOfThePicture_data();
     void shapeIsShownOnThePixelsOfThePicture();
+    void canvasAndFrameAgreeOnWhereAPressIs_data();
+    void canvasAndFrameAgreeOnWhereAPressIs();
     void otherToolsShowNoShape();
     void drawingAnArrowRestoresThePainter();
     void historyRectangleIsTheGrownFrame_data();
@@ -156,6 +158,37 @@ void tst_ScribbleArea_shapes::shapeIsShownOnThePixelsOfThePicture()
 }
 
 // The picture is left to the parent.
+void tst_ScribbleArea_shapes::canvasAndFrameAgreeOnWhereAPressIs_data()
+{
+    QTest::addColumn<qreal>("beyondTheEdge");
+    QTest::addColumn<bool>("outside");
+    for (const auto& [beyond, outside] : {std::pair(0.0, false),
+                                          {4.0, false},
+                                          {4.25, false},
+                                          {4.5, false},
+                                          {5.0, true},
+                                          {5.5, true}})
+        QTest::addRow("%.2f", beyond) << beyond << outside;
+}
+
+// Physical pixels lie between the coordinates. The frame's border reaches 4 of these outwards.
+void tst_ScribbleArea_shapes::canvasAndFrameAgreeOnWhereAPressIs()
+{
+    QFETCH(qreal, beyondTheEdge);
+    QFETCH(bool, outside);
+    Canvas canvas;
+    canvas.setGraphTool(ScribbleArea::GRAPH_RECT);
+    canvas.drag(kFrame);
+    const int entries = canvas.entries();
+    const QPointF p(kFrame.right() + beyondTheEdge, kFrame.top() + 15);
+    QMouseEvent press(QEvent::MouseButtonPress, p, p, Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(&canvas, &press);
+    QCOMPARE(canvas.entries(), outside ? entries + 1 : entries);
+    QCOMPARE(canvas.frame()->isVisible(), !outside);
+    QCOMPARE(canvas.frame()->mousePressSection() == ResizableRect::SECTION_OUTSIDE, outside);
+}
+
 void tst_ScribbleArea_shapes::otherToolsShowNoShape()
 {
     Canvas canvas;

@@ -31,9 +31,9 @@ QPoint DesktopPicture::pixelAt(const QPointF& p) const
     return windowPos + QPoint(pixels::nearestEdge(p.x(), ratio), pixels::nearestEdge(p.y(), ratio));
 }
 
-QRect DesktopPicture::windowRect(const QRect& pixels) const
+QRect DesktopPicture::windowRect(const QRect& area) const
 {
-    const QRect r = pixels.translated(-windowPos);
+    const QRect r = area.translated(-windowPos);
     return {QPoint(qCeil(r.left() / ratio), qCeil(r.top() / ratio)),
             QPoint(qFloor((r.right() + 1) / ratio) - 1, qFloor((r.bottom() + 1) / ratio) - 1)};
 }

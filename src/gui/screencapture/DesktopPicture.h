@@ -31,8 +31,8 @@ struct DesktopPicture {
     /// Returns the pixel at a point in window coordinates.
     QPoint pixelAt(const QPointF& p) const;
 
-    /// Returns the window coordinates that lie wholly within `pixels`.
-    QRect windowRect(const QRect& pixels) const;
+    /// Returns the window coordinates that lie wholly within `area`, which is in pixels.
+    QRect windowRect(const QRect& area) const;
 
     /// Returns `area`, in window coordinates, with the ratio set; null where it has no pixels.
     QImage copy(const QRect& area) const;

@@ -1,22 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "NativeDesktop.h"
 
+#include "XcbReply.h"
+
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
 #include <QtMath>
 
-#include <cstdlib>
-#include <memory>
+#include <cmath>
 
 namespace
 {
 
-template <typename Reply>
-std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply)
+// Adds as much as Qt may take away when it rounds to whole coordinates.
+int roundedUp(int pixels)
 {
-    return {reply, &std::free};
+    const qreal largestRatio = qApp->devicePixelRatio();
+    const bool isWhole = std::fmod(pixels, largestRatio) == 0;
+    return isWhole ? pixels : pixels + qCeil(largestRatio / 2);
 }
 
 } // namespace
@@ -36,17 +39,21 @@ NativeDesktop::~NativeDesktop()
         xcb_disconnect(m_connection);
 }
 
+QSize NativeDesktop::coveringSize() const
+{
+    if (!m_root)
+        return {};
+    const auto root = xcb::owned(
+        xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, m_root), nullptr));
+    return root ? QSize(roundedUp(root->width), roundedUp(root->height)) : QSize();
+}
+
 QRect NativeDesktop::geometryFor(const QWidget& window) const
 {
     const QScreen& screen = *window.screen();
-    if (m_root) {
-        const auto reply = owned(
-            xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, m_root), nullptr));
-        if (reply)
-            return {0, 0, qCeil(reply->width / screen.devicePixelRatio()),
-                    qCeil(reply->height / screen.devicePixelRatio())};
-    }
-    return screen.virtualGeometry();
+    const QSize size = coveringSize();
+    return size.isEmpty() ? screen.virtualGeometry()
+                          : QRect(QPoint(), size / screen.devicePixelRatio());
 }
 
 // Unscaled coordinates are exact, and need no answer from the server.
@@ -55,7 +62,7 @@ QPoint NativeDesktop::posOf(const QWidget& window) const
     const qreal ratio = window.screen()->devicePixelRatio();
     if (m_root && window.internalWinId() && !qFuzzyCompare(ratio, 1)) {
         const auto id = static_cast<xcb_window_t>(window.internalWinId());
-        const auto reply = owned(xcb_translate_coordinates_reply(
+        const auto reply = xcb::owned(xcb_translate_coordinates_reply(
             m_connection, xcb_translate_coordinates(m_connection, id, m_root, 0, 0), nullptr));
         if (reply)
             return {reply->dst_x, reply->dst_y};
@@ -72,7 +79,7 @@ QRect NativeDesktop::pixelsOf(const QScreen& screen)
 QPoint NativeDesktop::pointerPos() const
 {
     if (m_root) {
-        const auto reply = owned(xcb_query_pointer_reply(
+        const auto reply = xcb::owned(xcb_query_pointer_reply(
             m_connection, xcb_query_pointer(m_connection, m_root), nullptr));
         if (reply)
             return {reply->root_x, reply->root_y};

@@ -3,6 +3,7 @@
 
 #include <QPoint>
 #include <QRect>
+#include <QSize>
 #include <qwindowdefs.h>
 
 #include <xcb/xcb.h>
@@ -22,7 +23,10 @@ public:
     /// The window of which QScreen::grabWindow() grabs the whole desktop; 0 on other platforms.
     WId root() const { return m_root; }
 
-    /// Returns the geometry with which `window` covers all screens.
+    /// Returns the size with which a window at (0, 0) covers all screens; null on other platforms.
+    QSize coveringSize() const;
+
+    /// Returns the geometry, in Qt's coordinates, with which `window` covers all screens.
     QRect geometryFor(const QWidget& window) const;
 
     /// Returns where the top-left corner of `window` is.

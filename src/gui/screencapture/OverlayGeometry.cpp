@@ -40,7 +40,7 @@ QPoint loupePos(const QPoint& cursor, const QSize& window)
     return {x, y};
 }
 
-QRect nearest(const QPoint& p, const QVector<QRect>& screens)
+QRect nearestScreen(const QPoint& p, const QVector<QRect>& screens)
 {
     const auto distance = [&p](const QRect& screen) {
         const int x = qBound(screen.left(), p.x(), screen.right());

@@ -28,7 +28,7 @@ QRect loupeSource(const QPoint& p);
 QPoint loupePos(const QPoint& cursor, const QSize& window);
 
 /// Returns the one of `screens` that contains `p`, or the nearest one. There is at least one.
-QRect nearest(const QPoint& p, const QVector<QRect>& screens);
+QRect nearestScreen(const QPoint& p, const QVector<QRect>& screens);
 
 /// Returns the main tool bar's top-left corner: under the region, right edges aligned, or above it
 /// where the screen has no room for the bar, `extraHeight` and a gap. The bar never goes beyond the

@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "OverlayKeeper.h"
 
+#include "NativeDesktop.h"
+#include "XcbReply.h"
+
 #include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSocketNotifier>
 #include <QWindow>
-#include <QtMath>
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <memory>
 #include <vector>
 
 namespace
@@ -19,12 +18,6 @@ namespace
 
 // Another program that takes the keyboard back each time is answered no more often than that.
 constexpr int kPauseMs = 20;
-
-template <typename Reply>
-std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply)
-{
-    return {reply, &std::free};
-}
 
 QWindow* ownWindow(xcb_window_t id)
 {
@@ -53,27 +46,11 @@ bool standsAboveOverlay(const QWindow* window)
            (window && (window->type() == Qt::Popup || window->type() == Qt::ToolTip));
 }
 
-// In physical pixels; null where there is no such window.
-QRect geometryOf(xcb_connection_t* connection, xcb_window_t id)
-{
-    const auto reply =
-        owned(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, id), nullptr));
-    return reply ? QRect(reply->x, reply->y, reply->width, reply->height) : QRect();
-}
-
-// Adds as much as Qt may take away when it rounds to whole coordinates.
-int roundedUp(int pixels)
-{
-    const qreal largestRatio = qApp->devicePixelRatio();
-    const bool isWhole = std::fmod(pixels, largestRatio) == 0;
-    return isWhole ? pixels : pixels + qCeil(largestRatio / 2);
-}
-
 /// The windows of a display, from the lowest to the highest.
 std::vector<xcb_window_t> windowsFromBelow(xcb_connection_t* connection, xcb_window_t root)
 {
     const auto tree =
-        owned(xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr));
+        xcb::owned(xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr));
     if (!tree)
         return {};
     const xcb_window_t* const first = xcb_query_tree_children(tree.get());
@@ -82,18 +59,18 @@ std::vector<xcb_window_t> windowsFromBelow(xcb_connection_t* connection, xcb_win
 
 } // namespace
 
-// A connection of its own leaves Qt's event handling alone.
-OverlayKeeper::OverlayKeeper(QWindow* overlay)
+// A connection of its own: another that waits for a reply would take its events without notice.
+OverlayKeeper::OverlayKeeper(QWindow* overlay, const NativeDesktop& desktop)
     : m_overlay(overlay)
+    , m_desktop(desktop)
 {
-    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+    if (!desktop.root())
         return;
     m_connection = xcb_connect(nullptr, nullptr);
     if (xcb_connection_has_error(m_connection))
         return;
-    m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
     const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection, m_root, XCB_CW_EVENT_MASK, &mask);
+    xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &mask);
     // Comes back once the server has set the mask, so that the overlay does not appear unnoticed.
     m_formerFocus = focus();
 
@@ -140,7 +117,7 @@ bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
 
 void OverlayKeeper::readEvents()
 {
-    while (const auto event = owned(xcb_poll_for_event(m_connection)))
+    while (const auto event = xcb::owned(xcb_poll_for_event(m_connection)))
         handle(*event);
 }
 
@@ -182,14 +159,10 @@ void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
 // is. The overlay's size does not depend on that screen: it could come to another one, and back.
 void OverlayKeeper::coverDesktop()
 {
-    const QRect covered = geometryOf(m_connection, static_cast<xcb_window_t>(m_overlay->winId()));
-    const QSize desktop = geometryOf(m_connection, m_root).size();
-    const QSize size(roundedUp(desktop.width()), roundedUp(desktop.height()));
-    if (covered == QRect(QPoint(), size))
-        return;
+    const QSize size = m_desktop.coveringSize();
     const std::uint32_t place[] = {0, 0, static_cast<std::uint32_t>(size.width()),
                                    static_cast<std::uint32_t>(size.height())};
-    xcb_configure_window(m_connection, static_cast<xcb_window_t>(m_overlay->winId()),
+    xcb_configure_window(m_connection, overlay(),
                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
                              XCB_CONFIG_WINDOW_HEIGHT,
                          place);
@@ -206,15 +179,15 @@ void OverlayKeeper::windowMoved(const xcb_configure_notify_event_t& event)
 // Unmanaged windows may stand above: the candidates of an input method have to be seen.
 void OverlayKeeper::keepAbove(xcb_window_t managed)
 {
-    const auto stack = windowsFromBelow(m_connection, m_root);
-    const auto overlay = std::find(stack.begin(), stack.end(), m_overlay->winId());
-    const auto covering = std::find(overlay, stack.end(), managed);
+    const auto stack = windowsFromBelow(m_connection, root());
+    const auto lowest = std::find(stack.begin(), stack.end(), overlay());
+    const auto covering = std::find(lowest, stack.end(), managed);
     if (covering == stack.end())
         return;
     // From above, because each of them comes to stand under those before it.
-    for (auto own = covering; own != overlay;) {
+    for (auto own = covering; own != lowest;) {
         --own;
-        if (own == overlay || standsAboveOverlay(ownWindow(*own)))
+        if (own == lowest || standsAboveOverlay(ownWindow(*own)))
             putAbove(*own, managed);
     }
     xcb_flush(m_connection);
@@ -226,8 +199,8 @@ void OverlayKeeper::keepKeyboard()
     const QWindow* holder = ownWindow(focus());
     if (m_pause.isActive() || holder == m_overlay || isUnmanagedDialog(holder))
         return;
-    auto heir = static_cast<xcb_window_t>(m_overlay->winId());
-    for (const xcb_window_t id : windowsFromBelow(m_connection, m_root)) {
+    auto heir = overlay();
+    for (const xcb_window_t id : windowsFromBelow(m_connection, root())) {
         const QWindow* window = ownWindow(id);
         if (isUnmanagedDialog(window) && window->isVisible())
             heir = id;
@@ -238,8 +211,8 @@ void OverlayKeeper::keepKeyboard()
 
 xcb_window_t OverlayKeeper::focus() const
 {
-    const auto reply =
-        owned(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    const auto reply = xcb::owned(
+        xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
     return reply ? reply->focus : XCB_NONE;
 }
 
@@ -248,6 +221,16 @@ void OverlayKeeper::giveFocus(xcb_window_t id)
 {
     xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_POINTER_ROOT, id, XCB_CURRENT_TIME);
     xcb_flush(m_connection);
+}
+
+xcb_window_t OverlayKeeper::overlay() const
+{
+    return static_cast<xcb_window_t>(m_overlay->winId());
+}
+
+xcb_window_t OverlayKeeper::root() const
+{
+    return static_cast<xcb_window_t>(m_desktop.root());
 }
 
 // It appears anew, without Qt: a dialog that Qt hides ends its event loop.

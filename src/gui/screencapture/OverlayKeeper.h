@@ -7,6 +7,7 @@
 
 #include <xcb/xcb.h>
 
+class NativeDesktop;
 class QWindow;
 
 /// Keeps a window that no X11 window manager manages above all others, lets it cover every screen,
@@ -25,8 +26,8 @@ class OverlayKeeper : public QObject
 
 public:
     /// To be created before `overlay` is shown, while another window still has the keyboard. The
-    /// overlay is not owned, and must outlive the keeper.
-    explicit OverlayKeeper(QWindow* overlay);
+    /// overlay and the desktop are not owned, and must outlive the keeper.
+    OverlayKeeper(QWindow* overlay, const NativeDesktop& desktop);
 
     /// Gives the keyboard back to the window that had it.
     ~OverlayKeeper() override;
@@ -48,9 +49,12 @@ private:
     void letBeManaged(xcb_window_t id);
     void putAbove(xcb_window_t id, xcb_window_t other);
 
+    xcb_window_t overlay() const;
+    xcb_window_t root() const;
+
     QWindow* m_overlay;
+    const NativeDesktop& m_desktop;
     xcb_connection_t* m_connection = nullptr;
-    xcb_window_t m_root = XCB_NONE;
     xcb_window_t m_formerFocus = XCB_NONE;
     /// Those of the open dialogs that are not managed meanwhile.
     QHash<QWindow*, Qt::WindowFlags> m_flags;

@@ -44,8 +44,6 @@ QImage in8BitsPerChannel(const QImage& image)
 QImage grabbedDesktop(WId root)
 {
     QScreen* screen = QGuiApplication::primaryScreen();
-    if (!screen)
-        return {};
     const QSize size = root ? QSize(-1, -1) : screen->virtualSize();
     QPixmap grabbed = screen->grabWindow(root, 0, 0, size.width(), size.height());
     grabbed.setDevicePixelRatio(1);
@@ -159,10 +157,12 @@ void ScreenCaptureWnd::connectTo(QObject* receiver, const char* member)
 void ScreenCaptureWnd::showFullDesktop(bool full)
 {
     if (full != m_fullDesktop) {
-        if (full)
+        if (full) {
             m_normalGeometry = geometry();
+            m_normalFlags = windowFlags();
+        }
         // No window manager lets a window that it manages cover panels and every screen.
-        setWindowFlag(Qt::X11BypassWindowManagerHint, full);
+        setWindowFlags(full ? m_normalFlags | Qt::X11BypassWindowManagerHint : m_normalFlags);
         setGeometry(full ? m_nativeDesktop->geometryFor(*this) : m_normalGeometry);
         m_fullDesktop = full;
     }
@@ -310,7 +310,7 @@ void ScreenCaptureWnd::showEvent(QShowEvent* event)
     if (!event->spontaneous()) {
         m_ended = false;
         if (m_fullDesktop)
-            m_keeper = new OverlayKeeper(windowHandle());
+            m_keeper = new OverlayKeeper(windowHandle(), *m_nativeDesktop);
         connect(windowHandle(), &QWindow::screenChanged, this,
                 &ScreenCaptureWnd::updateMagnifierAtCursor, Qt::UniqueConnection);
     }
@@ -509,7 +509,7 @@ QRect ScreenCaptureWnd::screenAt(const QPoint& p) const
         if (!covered.isEmpty())
             areas << covered;
     }
-    return areas.size() < 2 ? rect() : overlay::nearest(p, areas);
+    return areas.size() < 2 ? rect() : overlay::nearestScreen(p, areas);
 }
 
 // With several screens, the region's corner may be where none is.

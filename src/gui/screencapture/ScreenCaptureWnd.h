@@ -104,7 +104,7 @@ public Q_SLOTS:
     /// Cancels the capture.
     void reject() override;
     /// Lets canvas and tool bar follow the region, which has been moved or resized to `rect`, in
-    /// pixels of the window.
+    /// window coordinates.
     void onCaptureRectChanged(const QRect& rect);
     /// Uses the tool whose button is checked, after a tool button was clicked.
     void onPaintTypeChanged();
@@ -146,7 +146,6 @@ private:
     void init();
     void initToolBars();
     void initSubToolBar();
-    QLabel* createSeparator();
     void initScribbleArea();
 
     bool markEnded();
@@ -209,6 +208,7 @@ private:
     bool m_fullDesktop = false;
     OverlayKeeper* m_keeper = nullptr;
     QRect m_normalGeometry;
+    Qt::WindowFlags m_normalFlags;
     bool m_ended = false;
 
     Q_DISABLE_COPY(ScreenCaptureWnd)

@@ -145,10 +145,19 @@ QPushButton* createDoneButton(QWidget* window)
     return button;
 }
 
+// The window may come to the densest screen after it is made.
+QLabel* createSeparator()
+{
+    auto* label = new QLabel;
+    label->setPixmap(icons::pixmap("sep", qApp->devicePixelRatio()));
+    label->setFixedSize(kSeparatorSizePx);
+    return label;
+}
+
 QLabel* createFontSizeLabel(QWidget* bar)
 {
     auto* label = new QLabel(bar);
-    label->setPixmap(icons::pixmap("text", label->devicePixelRatioF()));
+    label->setPixmap(icons::pixmap("text", qApp->devicePixelRatio()));
     label->setMargin(kFontSizeLabelMarginPx);
     return label;
 }
@@ -368,14 +377,6 @@ void ScreenCaptureWnd::initToolBars()
 
     initSubToolBar();
     overrideApplicationStyles(this);
-}
-
-QLabel* ScreenCaptureWnd::createSeparator()
-{
-    auto* label = new QLabel;
-    label->setPixmap(icons::pixmap("sep", devicePixelRatioF()));
-    label->setFixedSize(kSeparatorSizePx);
-    return label;
 }
 
 void ScreenCaptureWnd::initSubToolBar()

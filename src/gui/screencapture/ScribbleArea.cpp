@@ -256,12 +256,13 @@ QPen ScribbleArea::mosaicPen() const
 
 void ScribbleArea::mousePressEvent(QMouseEvent* event)
 {
-    if (m_resizableRect->isVisible() && !m_resizableRect->contains(event->pos()))
+    const QPoint pos = pixels::coordinatesUnder(*event, devicePixelRatioF());
+    if (m_resizableRect->isVisible() && !m_resizableRect->contains(pos))
         finishResizableRect();
     if (event->button() != Qt::LeftButton)
         return;
 
-    m_lastPoint = event->pos();
+    m_lastPoint = pos;
     m_moved = false;
     if (m_resizableRect->isVisible()) {
         m_pressOutsideRect = !m_resizableRect->contains(m_lastPoint);
@@ -289,13 +290,14 @@ void ScribbleArea::mouseMoveEvent(QMouseEvent* event)
 {
     if (!(event->buttons() & Qt::LeftButton))
         return;
+    const QPoint pos = pixels::coordinatesUnder(*event, devicePixelRatioF());
     if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
-        drawLineTo(event->pos());
+        drawLineTo(pos);
     } else if (m_paintType == PAINT_MOSAIC && m_mosaicking) {
-        drawMosaic(m_lastPoint, event->pos(), m_mosaicPenWidth);
-        m_lastPoint = event->pos();
+        drawMosaic(m_lastPoint, pos, m_mosaicPenWidth);
+        m_lastPoint = pos;
     } else if (m_paintType == PAINT_TEXT || m_paintType == PAINT_GRAPH) {
-        dragFrame(event->pos());
+        dragFrame(pos);
     }
     if (!m_moved)
         updateParent();
@@ -321,14 +323,15 @@ void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)
         return;
+    const QPoint pos = pixels::coordinatesUnder(*event, devicePixelRatioF());
     if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
         // Intended: m_scribbling stays set.
-        drawLineTo(event->pos());
+        drawLineTo(pos);
         saveDiffRect();
     } else if (m_paintType == PAINT_MOSAIC && m_mosaicking) {
         m_mosaicking = false;
-        drawMosaic(m_lastPoint, event->pos(), m_mosaicPenWidth);
-        m_lastPoint = event->pos();
+        drawMosaic(m_lastPoint, pos, m_mosaicPenWidth);
+        m_lastPoint = pos;
         saveDiffRect();
     } else if (m_creatingGraph) {
         m_creatingGraph = false;
