@@ -293,14 +293,17 @@ QPoint DesktopTest::coordinatesAt(const QPoint& pixel) const
     return {coordinate(pixel.x()), coordinate(pixel.y())};
 }
 
-QRect DesktopTest::selected(const QRect& dragged) const
+QRect DesktopTest::pixelsOf(const QRect& area) const
 {
     const auto edge = [this](int coordinate) { return qRound(coordinate * m_ratio); };
-    const QPoint first = coordinatesAt(dragged.topLeft());
-    const QPoint last = coordinatesAt(dragged.bottomRight());
-    const QRect region(QPoint(edge(first.x()), edge(first.y())),
-                       QPoint(edge(last.x() + 1) - 1, edge(last.y() + 1) - 1));
-    return region & m_server->desktop();
+    return {QPoint(edge(area.left()), edge(area.top())),
+            QPoint(edge(area.right() + 1) - 1, edge(area.bottom() + 1) - 1)};
+}
+
+QRect DesktopTest::selected(const QRect& dragged) const
+{
+    const QRect region(coordinatesAt(dragged.topLeft()), coordinatesAt(dragged.bottomRight()));
+    return pixelsOf(region) & m_server->desktop();
 }
 
 void DesktopTest::expectDelivered(const QRect& dragged)

@@ -66,8 +66,10 @@ protected:
     void select(const QPoint& from, const QPoint& to);
     void select(const QRect& region);
 
-    /// The overlay's coordinates that lie on a pixel.
+    /// The overlay's coordinates that lie on a pixel, both from its top-left corner on.
     QPoint coordinatesAt(const QPoint& pixel) const;
+    /// The pixels of a rectangle of the overlay.
+    QRect pixelsOf(const QRect& area) const;
     /// The region that a drag over these pixels selects. The overlay's coordinates are as many
     /// pixels wide as its ratio says, and so are those at the region's edges.
     QRect selected(const QRect& dragged) const;

@@ -108,6 +108,9 @@ private:
         } else if (question.startsWith("ratio ")) {
             const QWidget* widget = findWidget(what);
             say(QString::number(widget ? widget->screen()->devicePixelRatio() : 0));
+        } else if (question == "be a window") {
+            ScreenCaptureWnd::screenCaptureWnd()->showFullDesktop(false);
+            say("done");
         } else {
             openDialog();
             say("opened");

@@ -49,12 +49,15 @@ private slots:
     void killedProcessLeavesNothing();
     void grabOfAnotherProgramDoesNoHarm_data();
     void grabOfAnotherProgramDoesNoHarm();
+    void windowThatIsMovedDeliversWhatLiesUnderIt_data();
+    void windowThatIsMovedDeliversWhatLiesUnderIt();
     void changeOfScreensNeverGivesAWrongPicture_data();
     void changeOfScreensNeverGivesAWrongPicture();
 
 private:
     void openSaveDialog(const QRect& region);
     void drawOver(const QRect& region, const QString& tool, const QPoint& from, const QPoint& to);
+    void moveCaptureTo(const QRect& place);
     QImage regionBefore(const QRect& dragged) const;
     QPoint inCanvas(const QRect& dragged, const QPoint& p) const;
 };
@@ -515,6 +518,60 @@ void tst_desktops::grabOfAnotherProgramDoesNoHarm()
     const QString end = m_host->end();
     m_server->ungrab();
     QCOMPARE(end, QString("cancelled"));
+}
+
+void tst_desktops::moveCaptureTo(const QRect& place)
+{
+    const xcb_window_t id = m_host->place("ScreenCaptureWnd").window;
+    const QString window = QString::number(id);
+    input({"windowmove", window, QString::number(place.x()), QString::number(place.y()),
+           "windowsize", window, QString::number(place.width()), QString::number(place.height())});
+    QVERIFY(waitFor([&] {
+        m_ratio = m_host->ratio();
+        return m_server->geometry(id) == place && where("ScreenCaptureWnd") == place;
+    }));
+}
+
+void tst_desktops::windowThatIsMovedDeliversWhatLiesUnderIt_data()
+{
+    QTest::addColumn<QRect>("first");
+    QTest::addColumn<QRect>("second");
+    constexpr QSize side(420, 360);
+    for (const QRect& from : screens()) {
+        for (const QRect& to : screens()) {
+            const QRect first(from.topLeft() + QPoint(150, 120), side);
+            const QRect second(to.topLeft() + QPoint(210, 180), side);
+            QTest::newRow(qPrintable(text(first) + " to " + text(second))) << first << second;
+        }
+    }
+}
+
+// The screens may be of different ratios. A window manager would have a say in where it stands.
+void tst_desktops::windowThatIsMovedDeliversWhatLiesUnderIt()
+{
+    QFETCH(QRect, first);
+    QFETCH(QRect, second);
+    if (qgetenv("manager") != "none")
+        QSKIP("it has a window manager");
+    startCapture();
+    m_host->ask("be a window");
+    moveCaptureTo(first);
+    const QRect dragged(30, 150, 171, 121);
+    const QRect region(coordinatesAt(dragged.topLeft()), coordinatesAt(dragged.bottomRight()));
+    select(dragged.translated(first.topLeft()));
+    moveCaptureTo(second);
+    const QRect pixels = pixelsOf(region).translated(second.topLeft());
+    QVERIFY2(waitFor([&] {
+                 return m_server->picture().copy(pixels.adjusted(9, 9, -9, -9)) ==
+                        m_atStart.copy(pixels.adjusted(9, 9, -9, -9));
+             }),
+             "the window shows something else");
+    keyToCapture("Return");
+    expectEnd("captured");
+    // Nobody else gives it back without a window manager.
+    m_server->setFocus(static_cast<xcb_window_t>(m_notes->winId()));
+    const QString seen = difference(m_host->picture(), m_atStart.copy(pixels));
+    QVERIFY2(seen.isEmpty(), qPrintable("region " + text(pixels) + ": " + seen));
 }
 
 void tst_desktops::changeOfScreensNeverGivesAWrongPicture_data()
