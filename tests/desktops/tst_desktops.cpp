@@ -27,6 +27,8 @@ class tst_desktops : public DesktopTest
 
 private slots:
     void overlayIsTheDimmedDesktop();
+    void loupeShowsThePixelsAroundThePointer_data();
+    void loupeShowsThePixelsAroundThePointer();
     void regionIsDelivered_data();
     void regionIsDelivered();
     void keysReachTheCapture_data();
@@ -71,6 +73,34 @@ void tst_desktops::overlayIsTheDimmedDesktop()
     const QRect overlay = where("ScreenCaptureWnd");
     QVERIFY(overlay.contains(m_server->desktop()));
     QVERIFY(m_server->desktop().adjusted(0, 0, beyond, beyond).contains(overlay));
+    keyToCapture("Escape");
+    expectEnd("cancelled");
+}
+
+void tst_desktops::loupeShowsThePixelsAroundThePointer_data()
+{
+    QTest::addColumn<QPoint>("pointer");
+    for (const QRect& screen : screens())
+        QTest::newRow(qPrintable(text(screen))) << screen.center() + QPoint(51, 37);
+}
+
+// From the first look on, before the pointer moves. Between the frame and the cross hair.
+void tst_desktops::loupeShowsThePixelsAroundThePointer()
+{
+    constexpr int side = 16;
+    constexpr int centre = 7;
+    QFETCH(QPoint, pointer);
+    input(at(pointer));
+    startCapture();
+    const auto isShown = [&](const QPoint& inSource) {
+        const QRect loupe = where("MagnifierWidget");
+        const QPoint seen = loupe.topLeft() + QPoint((inSource.x() + 0.5) * loupe.width() / side,
+                                                     (inSource.y() + 0.5) * loupe.height() / side);
+        return m_server->picture().pixel(seen) ==
+               m_atStart.pixel(pointer - QPoint(centre, centre) + inSource);
+    };
+    for (const QPoint& p : {QPoint(3, 3), QPoint(12, 3), QPoint(3, 12), QPoint(12, 12)})
+        QVERIFY2(waitFor([&] { return isShown(p); }), qPrintable(text(p)));
     keyToCapture("Escape");
     expectEnd("cancelled");
 }
