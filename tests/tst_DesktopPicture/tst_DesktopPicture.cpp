@@ -10,6 +10,8 @@ namespace
 {
 
 constexpr QSize kDesktop(101, 67);
+// Holds all screens of a mixture.
+constexpr QSize kMixedDesktop(281, 131);
 
 /// The picture with a window of `ratio` that begins at a pixel of it.
 DesktopPicture pictureAt(const QPoint& windowPos, qreal ratio)
@@ -23,6 +25,48 @@ bool isBetween(int pixel, int left, int right, qreal ratio)
 {
     // A middle on the edge itself belongs to what ends there.
     return pixel + 0.5 > left * ratio && pixel + 0.5 <= (right + 1) * ratio;
+}
+
+/// Ratios in eighths, with which edges are whole numbers.
+constexpr int kEighths = 8;
+
+int roundedDown(int dividend, int divisor)
+{
+    const int quotient = dividend / divisor;
+    return quotient * divisor > dividend ? quotient - 1 : quotient;
+}
+
+/// The pixels between the edges of `area` in a window at `pos`, each edge rounded to the nearest.
+QRect pixelsOf(const QRect& area, const QPoint& pos, int eighths)
+{
+    const auto edge = [eighths](int coordinate) {
+        return roundedDown(coordinate * eighths + kEighths / 2, kEighths);
+    };
+    const QPoint begin(edge(area.left()), edge(area.top()));
+    const QPoint end(edge(area.left() + area.width()), edge(area.top() + area.height()));
+    return {pos + begin, pos + end - QPoint(1, 1)};
+}
+
+/// The coordinates of a window at `pos` that lie wholly within `pixels`.
+QRect coordinatesIn(const QRect& pixels, const QPoint& pos, int eighths)
+{
+    const QRect r = pixels.translated(-pos);
+    const auto begin = [eighths](int edge) { return -roundedDown(-edge * kEighths, eighths); };
+    const auto end = [eighths](int edge) { return roundedDown(edge * kEighths, eighths); };
+    return {QPoint(begin(r.left()), begin(r.top())),
+            QPoint(end(r.left() + r.width()) - 1, end(r.top() + r.height()) - 1)};
+}
+
+/// Rectangles side by side, in a window at `pos`, that cover all of the desktop.
+QVector<QRect> tiles(const QSize& size, const QPoint& pos, int eighths)
+{
+    const QRect all = coordinatesIn(QRect(QPoint(), kMixedDesktop), pos, eighths);
+    QVector<QRect> result;
+    for (int y = all.top() - size.height(); y <= all.bottom() + 1; y += size.height()) {
+        for (int x = all.left() - size.width(); x <= all.right() + 1; x += size.width())
+            result << QRect(QPoint(x, y), size);
+    }
+    return result;
 }
 
 } // namespace
@@ -39,6 +83,10 @@ private slots:
     void nothingIsCutFromNothing();
     void pointIsOnThePixelFromWhichItCame();
     void windowRectIsWhollyWithin();
+    void mixedScreensGiveEachPixelOnce_data();
+    void mixedScreensGiveEachPixelOnce();
+    void windowRectOfAMixedScreenIsWithinIt_data() { mixedScreensGiveEachPixelOnce_data(); }
+    void windowRectOfAMixedScreenIsWithinIt();
 };
 
 void tst_DesktopPicture::cutHasThePixelsBetweenTheEdges_data()
@@ -127,6 +175,87 @@ void tst_DesktopPicture::windowRectIsWhollyWithin()
     QCOMPARE(pictureAt(QPoint(2, 3), 1).windowRect(pixels), pixels.translated(-2, -3));
     QCOMPARE(pictureAt(QPoint(), 2).windowRect(pixels), QRect(QPoint(5, 7), QPoint(24, 21)));
     QCOMPARE(pictureAt(QPoint(10, 13), 1.5).windowRect(pixels), QRect(0, 0, 26, 20));
+}
+
+// A window with the ratio of each screen, over all screens or from that one on.
+void tst_DesktopPicture::mixedScreensGiveEachPixelOnce_data()
+{
+    struct Screen {
+        QRect pixels;
+        int eighths;
+    };
+    const struct {
+        const char* name;
+        QVector<Screen> screens;
+    } mixtures[] = {
+        {"1 left of 2", {{{0, 0, 64, 48}, 8}, {{64, 0, 80, 50}, 16}}},
+        {"1.5 left of 1", {{{0, 0, 97, 61}, 12}, {{97, 0, 80, 50}, 8}}},
+        {"1.25 above 3", {{{0, 0, 71, 43}, 10}, {{0, 43, 90, 60}, 24}}},
+        {"2.625 above 1.75, shifted", {{{13, 0, 80, 47}, 21}, {{0, 47, 73, 51}, 14}}},
+        {"L", {{{0, 29, 53, 41}, 14}, {{53, 0, 85, 53}, 10}, {{67, 53, 71, 67}, 24}}},
+        {"all in a row",
+         {{{0, 0, 31, 23}, 8},
+          {{31, 5, 37, 29}, 10},
+          {{68, 0, 41, 31}, 12},
+          {{109, 7, 43, 19}, 14},
+          {{152, 0, 29, 37}, 16},
+          {{181, 3, 47, 23}, 21},
+          {{228, 0, 53, 41}, 24}}},
+    };
+    QTest::addColumn<QVector<QRect>>("screens");
+    QTest::addColumn<QPoint>("windowPos");
+    QTest::addColumn<int>("eighths");
+    for (const auto& mixture : mixtures) {
+        QVector<QRect> screens;
+        for (const Screen& screen : mixture.screens)
+            screens << screen.pixels;
+        for (const Screen& screen : mixture.screens) {
+            const qreal ratio = screen.eighths / qreal(kEighths);
+            const QPoint pos = screen.pixels.topLeft();
+            QTest::addRow("%s, %g over all", mixture.name, ratio)
+                << screens << QPoint() << screen.eighths;
+            if (!pos.isNull())
+                QTest::addRow("%s, %g from its screen on", mixture.name, ratio)
+                    << screens << pos << screen.eighths;
+        }
+    }
+}
+
+// Rectangles side by side have neither a seam nor an overlap, on whichever screens they are.
+void tst_DesktopPicture::mixedScreensGiveEachPixelOnce()
+{
+    QFETCH(QPoint, windowPos);
+    QFETCH(int, eighths);
+    const DesktopPicture picture{places(kMixedDesktop), QImage(), windowPos,
+                                 eighths / qreal(kEighths)};
+    for (const QSize& tile : {QSize(1, 1), QSize(2, 5), QSize(7, 3)}) {
+        QVector<int> times(kMixedDesktop.width() * kMixedDesktop.height());
+        for (const QRect& area : tiles(tile, windowPos, eighths)) {
+            const QRect pixels = pixelsOf(area, windowPos, eighths);
+            QCOMPARE(picture.pixels(area), pixels);
+            const QRect inside = pixels & picture.bright.rect();
+            if (inside == pixels)
+                QVERIFY(picture.copy(area) == picture.bright.copy(pixels));
+            for (int y = inside.top(); y <= inside.bottom(); ++y) {
+                for (int x = inside.left(); x <= inside.right(); ++x)
+                    ++times[y * kMixedDesktop.width() + x];
+            }
+        }
+        QCOMPARE(times.count(1), times.size());
+    }
+}
+
+void tst_DesktopPicture::windowRectOfAMixedScreenIsWithinIt()
+{
+    QFETCH(QVector<QRect>, screens);
+    QFETCH(QPoint, windowPos);
+    QFETCH(int, eighths);
+    const DesktopPicture picture{QImage(), QImage(), windowPos, eighths / qreal(kEighths)};
+    for (const QRect& screen : screens) {
+        const QRect area = picture.windowRect(screen);
+        QCOMPARE(area, coordinatesIn(screen, windowPos, eighths));
+        QVERIFY(screen.contains(picture.pixels(area)));
+    }
 }
 
 QTEST_APPLESS_MAIN(tst_DesktopPicture)
