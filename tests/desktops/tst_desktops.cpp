@@ -18,6 +18,45 @@ namespace
 constexpr int kSettleMs = 1000;
 constexpr int kSettledLooks = 20;
 
+QRect grown(const QRect& r, qreal by)
+{
+    const int whole = qRound(by);
+    return r.adjusted(-whole, -whole, whole, whole);
+}
+
+bool holdsColor(const QImage& picture, const QColor& color)
+{
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixelColor(x, y) == color)
+                return true;
+        }
+    }
+    return false;
+}
+
+bool isBetween(int before, int after, int end)
+{
+    return qMin(before, end) <= after && after <= qMax(before, end);
+}
+
+/// The first pixel that is neither as before, nor the pen's colour, nor a mixture of both; empty
+/// where there is none.
+QString notBetween(const QImage& before, const QImage& after, const QColor& pen)
+{
+    for (int y = 0; y < after.height(); ++y) {
+        for (int x = 0; x < after.width(); ++x) {
+            const QColor a = before.pixelColor(x, y);
+            const QColor b = after.pixelColor(x, y);
+            if (!isBetween(a.red(), b.red(), pen.red()) ||
+                !isBetween(a.green(), b.green(), pen.green()) ||
+                !isBetween(a.blue(), b.blue(), pen.blue()))
+                return text(QPoint(x, y)) + " became " + b.name() + " from " + a.name();
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 /// Captures by another process on a desktop as people have it.
@@ -37,6 +76,8 @@ private slots:
     void strokeIsUndoneAndRedone();
     void strokeLiesWhereItIsDrawn();
     void mosaicLiesWhereItIsDrawn();
+    void annotationIsDeliveredAsShown_data();
+    void annotationIsDeliveredAsShown();
     void typedTextArrives_data();
     void typedTextArrives();
     void windowThatOpensChangesNothing_data();
@@ -58,6 +99,7 @@ private slots:
 
 private:
     void openSaveDialog(const QRect& region);
+    void drawInFrame(const QRect& region, const QString& tool, const QRect& frame);
     void drawOver(const QRect& region, const QString& tool, const QPoint& from, const QPoint& to);
     void moveCaptureTo(const QRect& place);
     QImage regionBefore(const QRect& dragged) const;
@@ -189,6 +231,28 @@ void tst_desktops::strokeIsUndoneAndRedone()
     QCOMPARE(m_host->picture().pixelColor(onStroke - start), stroke);
 }
 
+/// Draws with the tool along a frame over the region.
+void tst_desktops::drawInFrame(const QRect& region, const QString& tool, const QRect& frame)
+{
+    // The centre of a handle.
+    const auto isFrameSeen = [&] {
+        return m_server->picture().pixelColor(frame.topRight()) == Qt::white;
+    };
+    startCapture();
+    select(region);
+    clickOn(tool);
+    QVERIFY(waitFor([this] { return !where("subToolBar").isEmpty(); }));
+    drag(frame.topLeft(), frame.bottomRight());
+    QVERIFY2(waitFor(isFrameSeen), "there is no frame");
+    if (tool == "text") {
+        input({"type", "HMHMHM"});
+        QVERIFY(waitFor([&] { return m_host->content("QTextEdit") == "HMHMHM"; }));
+    }
+    // Another tool ends the drawing.
+    clickOn("scribble");
+    QVERIFY2(waitFor([&] { return !isFrameSeen(); }), "the frame stays");
+}
+
 /// Delivers the region with a stroke of the tool over it.
 void tst_desktops::drawOver(const QRect& region, const QString& tool, const QPoint& from,
                             const QPoint& to)
@@ -262,6 +326,60 @@ void tst_desktops::mosaicLiesWhereItIsDrawn()
             QVERIFY2(actual.rgb() == expected.pixelColor(x, y).rgb(),
                      qPrintable(text(QPoint(x, y)) + " is " + actual.name()));
         }
+    }
+}
+
+void tst_desktops::annotationIsDeliveredAsShown_data()
+{
+    QTest::addColumn<QString>("tool");
+    QTest::addColumn<QColor>("color");
+    // Of the frame's size.
+    QTest::addColumn<QVector<QPointF>>("marks");
+    QTest::addColumn<int>("reach");
+    const QColor red(251, 56, 56);
+    QTest::newRow("arrow") << "Arrow" << red
+                           << QVector<QPointF>{{0.25, 0.25}, {0.5, 0.5}, {0.9, 0.9}} << 1;
+    QTest::newRow("rectangle") << "Rectangle" << red
+                               << QVector<QPointF>{{0, 0.5}, {1, 0.5}, {0.5, 0}, {0.5, 1}} << 1;
+    // Its first line begins at the top.
+    QTest::newRow("text") << "text" << QColor(Qt::black) << QVector<QPointF>{{0.2, 0}} << 20;
+}
+
+// All is compared pixel by pixel of the screen. What the selection's frame covers is not looked at.
+void tst_desktops::annotationIsDeliveredAsShown()
+{
+    constexpr int besidePx = 10;
+    constexpr int frameBandPx = 8;
+    QFETCH(QString, tool);
+    QFETCH(QColor, color);
+    QFETCH(QVector<QPointF>, marks);
+    QFETCH(int, reach);
+    const QRect region(screens().first().topLeft() + QPoint(100, 150), QSize(500, 300));
+    const QRect frame(region.topLeft() + QPoint(150, 100), QSize(200, 100));
+    drawInFrame(region, tool, frame);
+    const QRect pixels = selected(region);
+    const QImage shown = stillPicture().copy(pixels);
+    keyToCapture("Return");
+    expectEnd("captured");
+    const QImage picture = m_host->picture();
+    const QImage before = m_atStart.copy(pixels);
+
+    const QRect inner = grown(picture.rect(), -frameBandPx * m_ratio);
+    QString seen = difference(picture.copy(inner), shown.copy(inner));
+    QVERIFY2(seen.isEmpty(), qPrintable("not as shown: " + seen));
+
+    const QRect drawn = frame.translated(-pixels.topLeft());
+    const QRect around = grown(drawn, besidePx * m_ratio);
+    seen = difference(without(picture, around), without(before, around));
+    QVERIFY2(seen.isEmpty(), qPrintable("beside the annotation: " + seen));
+
+    seen = notBetween(before, picture, color);
+    QVERIFY2(seen.isEmpty(), qPrintable(seen));
+    for (const QPointF& mark : marks) {
+        const QPoint p = drawn.topLeft() + QPoint(qRound(mark.x() * (drawn.width() - 1)),
+                                                  qRound(mark.y() * (drawn.height() - 1)));
+        QVERIFY2(holdsColor(picture.copy(grown(QRect(p, QSize(1, 1)), reach * m_ratio)), color),
+                 qPrintable("no pen at " + text(p)));
     }
 }
 
