@@ -180,6 +180,9 @@ void DesktopTest::startCapture()
              "the capture is not seen");
     m_ratio = m_host->ratio();
     QVERIFY(m_ratio > 0);
+    const QString expected = scaleSettings().value("ratio");
+    if (!expected.isEmpty())
+        QCOMPARE(QString::number(m_ratio), expected);
 }
 
 QRect DesktopTest::where(const QString& name)

@@ -2,7 +2,8 @@
 // A host that takes one capture and says on request where its widgets stand and what they hold:
 //   desktop-host PICTURE
 // It answers each line that it reads with one line. At the end it writes the picture and a last
-// line, "captured" or "cancelled".
+// line, "captured" or "cancelled". With the environment variable host_scales it asks Qt itself to
+// follow the resolution of the screens.
 #include <ScreenCaptureTool.h>
 #include <ScreenCaptureWnd.h>
 
@@ -138,6 +139,8 @@ public slots:
 
 int main(int argc, char* argv[])
 {
+    if (qEnvironmentVariableIsSet("host_scales"))
+        QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     ScreenCaptureTool::init(QDir::homePath());

@@ -5,16 +5,23 @@
 
 #include <QCoreApplication>
 
+QMap<QString, QString> scaleSettings()
+{
+    QMap<QString, QString> settings;
+    for (const QString& setting : qEnvironmentVariable("scale").split(' ', Qt::SkipEmptyParts))
+        settings[setting.section('=', 0, 0)] = setting.section('=', 1);
+    return settings;
+}
+
 HostProcess::HostProcess()
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     // Its scale factor is not this program's.
-    const QString variable = qEnvironmentVariable("scale_name");
-    if (!variable.isEmpty()) {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(variable, qEnvironmentVariable("scale_value"));
-        m_process.setProcessEnvironment(environment);
-    }
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    const QMap<QString, QString> settings = scaleSettings();
+    for (auto it = settings.begin(); it != settings.end(); ++it)
+        environment.insert(it.key(), it.value());
+    m_process.setProcessEnvironment(environment);
     m_process.start(QCoreApplication::applicationDirPath() + "/desktop-host",
                     {m_scratch.filePath("picture.bmp")});
     m_process.waitForStarted();

@@ -2,12 +2,16 @@
 #pragma once
 
 #include <QImage>
+#include <QMap>
 #include <QProcess>
 #include <QRect>
 #include <QString>
 #include <QTemporaryDir>
 
 #include <xcb/xcb.h>
+
+/// What the case of the test sets, by variable.
+QMap<QString, QString> scaleSettings();
 
 /// The process that takes the capture.
 class HostProcess
