@@ -2,7 +2,6 @@
 #include "BareOverlay.h"
 
 #include <QApplication>
-#include <QDesktopWidget>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>

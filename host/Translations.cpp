@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Translations.h"
 
+#include "QtVersions.h"
+
 #include <QCoreApplication>
-#include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
 
@@ -22,7 +23,7 @@ void install(const QString& name, const QString& directory)
 
 void installTranslations()
 {
-    install(QStringLiteral("qtbase"), QLibraryInfo::location(QLibraryInfo::TranslationsPath));
+    install(QStringLiteral("qtbase"), qtversions::translationsPath());
     // Relative to the program, as it is installed and as it is built.
     for (const char* place : {"/../share/screencapture/translations", "/../translations"}) {
         const QString directory = QCoreApplication::applicationDirPath() + QLatin1String(place);

@@ -19,6 +19,7 @@
 #include <QTextEdit>
 #include <QTimer>
 #include <functional>
+#include <memory>
 
 /// A host's receiver: counts the results and keeps the last one.
 class Receiver : public QObject
@@ -229,5 +230,5 @@ protected:
     ScreenCaptureWnd* window() const { return m_capture->window(); }
 
     QScopedPointer<CaptureProbe> m_capture;
-    QScopedPointer<Receiver> m_receiver;
+    std::unique_ptr<Receiver> m_receiver;
 };

@@ -3,6 +3,7 @@
 
 #include "BehaviourTest.h"
 #include "Pictures.h"
+#include "QtVersions.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -81,7 +82,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (watched->isWindowType() && event->type() == QEvent::MouseMove)
-            m_last = static_cast<QMouseEvent*>(event)->globalPos();
+            m_last = qtversions::posOnDesktop(*static_cast<QMouseEvent*>(event)).toPoint();
         return false;
     }
 

@@ -184,7 +184,8 @@ void tst_ResizableRect_mouse::releaseIsAcceptedOnlyOnTheRectangle()
     ResizableRect rect(&host, kRect);
     rect.setVisible(true);
     const auto accepts = [&](Qt::MouseButton button) {
-        QMouseEvent event(QEvent::MouseButtonRelease, QPoint(60, 35), button, Qt::NoButton,
+        const QPoint p(60, 35);
+        QMouseEvent event(QEvent::MouseButtonRelease, p, host.mapToGlobal(p), button, Qt::NoButton,
                           Qt::NoModifier);
         event.ignore();
         rect.eventFilter(&host, &event);

@@ -3,7 +3,6 @@
 #include "CaptureProbe.h"
 #include "Pictures.h"
 
-#include <QDesktopWidget>
 #include <QDir>
 #include <QImageReader>
 #include <QMetaMethod>
@@ -127,14 +126,14 @@ void tst_ScreenCaptureWnd::fullDesktopSavesAndRestoresTheGeometry()
     const QRect normal(10, 20, 300, 200);
     window()->setGeometry(normal);
     window()->showFullDesktop(true);
-    QCOMPARE(window()->geometry(), QApplication::desktop()->geometry());
+    QCOMPARE(window()->geometry(), QGuiApplication::primaryScreen()->virtualGeometry());
     window()->setGeometry(5, 5, 50, 50);
     window()->showFullDesktop(true);
     QCOMPARE(window()->geometry(), QRect(5, 5, 50, 50));
     window()->showFullDesktop(false);
     QCOMPARE(window()->geometry(), normal);
     window()->showFullDesktop(true);
-    QCOMPARE(window()->geometry(), QApplication::desktop()->geometry());
+    QCOMPARE(window()->geometry(), QGuiApplication::primaryScreen()->virtualGeometry());
 }
 
 void tst_ScreenCaptureWnd::fullDesktopIsNotManaged()
@@ -219,7 +218,7 @@ void tst_ScreenCaptureWnd::nullReceiverOnlyDisconnects()
 {
     QFETCH(bool, nullReceiver);
     QFETCH(bool, nullMember);
-    window()->connectTo(nullReceiver ? nullptr : m_receiver.data(), nullMember ? nullptr : kSlot);
+    window()->connectTo(nullReceiver ? nullptr : m_receiver.get(), nullMember ? nullptr : kSlot);
     window()->reject();
     deliver();
     QCOMPARE(m_receiver->count, 0);

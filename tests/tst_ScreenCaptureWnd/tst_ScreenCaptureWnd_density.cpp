@@ -44,7 +44,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (watched->isWindowType() && event->type() == QEvent::MouseMove)
-            last = (static_cast<QMouseEvent*>(event)->localPos() * ratio()).toPoint();
+            last = (qtversions::posInWidget(*static_cast<QMouseEvent*>(event)) * ratio()).toPoint();
         return false;
     }
 };

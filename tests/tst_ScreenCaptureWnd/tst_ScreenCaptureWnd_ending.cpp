@@ -153,7 +153,7 @@ const Ending& tst_ScreenCaptureWnd_ending::prepareEnding()
 void tst_ScreenCaptureWnd_ending::connectDirectly()
 {
     window()->connectTo(nullptr, nullptr);
-    connect(window(), SIGNAL(captureFinished(QImage, bool)), m_receiver.data(),
+    connect(window(), SIGNAL(captureFinished(QImage, bool)), m_receiver.get(),
             SLOT(onCaptured(QImage, bool)));
 }
 
@@ -212,7 +212,7 @@ void tst_ScreenCaptureWnd_ending::endsBeforeItWasShown()
     QFETCH(bool, finished);
     m_capture.reset();
     m_capture.reset(new CaptureProbe);
-    window()->connectTo(m_receiver.data(), SLOT(onCaptured(QImage, bool)));
+    window()->connectTo(m_receiver.get(), SLOT(onCaptured(QImage, bool)));
     if (finished)
         window()->accept();
     else
@@ -337,7 +337,7 @@ void tst_ScreenCaptureWnd_ending::isRestoredByTheDesktopInItsSlot()
 void tst_ScreenCaptureWnd_ending::deletesItsReceiverInItsSlot()
 {
     const Ending& ending = prepareEnding();
-    const QPointer<Receiver> receiver = m_receiver.take();
+    const QPointer<Receiver> receiver = m_receiver.release();
     int delivered = 0;
     receiver->then = [&] {
         ++delivered;

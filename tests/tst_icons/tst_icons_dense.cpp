@@ -25,6 +25,15 @@ QImage lookOf(QPushButton& button, const QString& icon, const QString& text)
     return button.grab().toImage();
 }
 
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+// Qt 6 makes every host a dense one.
+void setHostDense(bool dense)
+{
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, dense);
+}
+QT_WARNING_POP
+
 } // namespace
 
 /// Icons at the ratio that QT_SCALE_FACTOR sets.
@@ -101,10 +110,10 @@ void tst_icons_dense::buttonLooksAsQtMakesItForADenseHost()
             each->setEnabled(state != 2);
         }
         const QImage ours = lookOf(button, icon, text);
-        QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+        setHostDense(true);
         const QImage dense = lookOf(reference, icon, text);
         const QImage oursInADenseHost = lookOf(button, icon, text);
-        QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, false);
+        setHostDense(false);
         QCOMPARE(ours, dense);
         QCOMPARE(oursInADenseHost, dense);
     }

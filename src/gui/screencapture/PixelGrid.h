@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "QtVersions.h"
+
 #include <QMouseEvent>
 #include <QPoint>
 #include <QRect>
@@ -43,7 +45,7 @@ inline QPoint coordinatesUnder(const QMouseEvent& event, qreal ratio)
 {
     // Just short of the pixel's centre: an edge there is rounded to the next pixel.
     constexpr qreal centre = 0.499;
-    const QPointF inWindow = event.windowPos();
+    const QPointF inWindow = qtversions::posInWindow(event);
     const QPoint under(qFloor(inWindow.x() + centre / ratio),
                        qFloor(inWindow.y() + centre / ratio));
     return event.pos() + under - inWindow.toPoint();

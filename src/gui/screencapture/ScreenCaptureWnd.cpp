@@ -10,6 +10,7 @@
 #include "OverlayKeeper.h"
 #include "OverlayPainting.h"
 #include "PixelGrid.h"
+#include "QtVersions.h"
 #include "ResizableRect.h"
 #include "ScribbleArea.h"
 #include "StyleSheets.h"
@@ -376,7 +377,7 @@ void ScreenCaptureWnd::mousePressEvent(QMouseEvent* event)
     if (m_state == StateIdle) {
         startSelection(pixels::coordinatesUnder(*event, devicePixelRatioF()));
     } else if (m_state == StateSelected) {
-        updateMagnifier(event->windowPos());
+        updateMagnifier(qtversions::posInWindow(*event));
         m_magnifier->setVisible(draggedSection() >= ResizableRect::SECTION_LEFT);
     }
 }
@@ -394,9 +395,9 @@ void ScreenCaptureWnd::mouseMoveEvent(QMouseEvent* event)
     if (leftHeld && m_state == StateSelecting)
         dragSelection(pixels::coordinatesUnder(*event, devicePixelRatioF()));
     if (!leftHeld)
-        updateGrabWindowRect(event->globalPos());
+        updateGrabWindowRect(qtversions::posOnDesktop(*event).toPoint());
     if (m_magnifier->isVisible())
-        updateMagnifier(event->windowPos());
+        updateMagnifier(qtversions::posInWindow(*event));
 }
 
 void ScreenCaptureWnd::dragSelection(const QPoint& pos)

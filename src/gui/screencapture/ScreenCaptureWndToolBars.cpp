@@ -173,7 +173,7 @@ QComboBox* createFontSizeBox(QWidget* window, QWidget* bar)
     box->setFocusPolicy(Qt::TabFocus);
     for (const int size : kFontSizesPt)
         box->addItem(QString::number(size));
-    QObject::connect(box, SIGNAL(currentIndexChanged(QString)), window,
+    QObject::connect(box, SIGNAL(currentTextChanged(QString)), window,
                      SLOT(onFontSizeChanged(QString)));
     return box;
 }

@@ -10,7 +10,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
-#include <QDesktopWidget>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMimeData>
@@ -582,7 +581,7 @@ void Monkey::resize()
 {
     send("resize", [this] {
         if (once(3))
-            m_window->setGeometry(QApplication::desktop()->geometry());
+            m_window->setGeometry(QGuiApplication::primaryScreen()->virtualGeometry());
         else
             m_window->setGeometry(between(-50, 200), between(-50, 200), below(800), below(600));
     });

@@ -25,7 +25,8 @@ public:
 
 static void send(QWidget* widget, QEvent::Type type, const QPoint& p)
 {
-    QMouseEvent event(type, p, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent event(type, p, widget->mapToGlobal(p), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
     QApplication::sendEvent(widget, &event);
 }
 
