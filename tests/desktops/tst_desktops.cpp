@@ -99,6 +99,7 @@ private slots:
 
 private:
     void openSaveDialog(const QRect& region);
+    void startDrawing(const QRect& region, const QString& tool);
     void drawInFrame(const QRect& region, const QString& tool, const QRect& frame);
     void drawOver(const QRect& region, const QString& tool, const QPoint& from, const QPoint& to);
     void moveCaptureTo(const QRect& place);
@@ -231,6 +232,14 @@ void tst_desktops::strokeIsUndoneAndRedone()
     QCOMPARE(m_host->picture().pixelColor(onStroke - start), stroke);
 }
 
+void tst_desktops::startDrawing(const QRect& region, const QString& tool)
+{
+    startCapture();
+    select(region);
+    clickOn(tool);
+    QVERIFY(waitFor([this] { return !where("subToolBar").isEmpty(); }));
+}
+
 /// Draws with the tool along a frame over the region.
 void tst_desktops::drawInFrame(const QRect& region, const QString& tool, const QRect& frame)
 {
@@ -238,10 +247,7 @@ void tst_desktops::drawInFrame(const QRect& region, const QString& tool, const Q
     const auto isFrameSeen = [&] {
         return m_server->picture().pixelColor(frame.topRight()) == Qt::white;
     };
-    startCapture();
-    select(region);
-    clickOn(tool);
-    QVERIFY(waitFor([this] { return !where("subToolBar").isEmpty(); }));
+    startDrawing(region, tool);
     drag(frame.topLeft(), frame.bottomRight());
     QVERIFY2(waitFor(isFrameSeen), "there is no frame");
     if (tool == "text") {
@@ -257,10 +263,7 @@ void tst_desktops::drawInFrame(const QRect& region, const QString& tool, const Q
 void tst_desktops::drawOver(const QRect& region, const QString& tool, const QPoint& from,
                             const QPoint& to)
 {
-    startCapture();
-    select(region);
-    clickOn(tool);
-    QVERIFY(waitFor([this] { return !where("subToolBar").isEmpty(); }));
+    startDrawing(region, tool);
     drag(from, to);
     keyToCapture("Return");
     expectEnd("captured");
@@ -303,7 +306,7 @@ void tst_desktops::strokeLiesWhereItIsDrawn()
 void tst_desktops::mosaicLiesWhereItIsDrawn()
 {
     constexpr int blockSide = 2;
-    constexpr int brush = 16;
+    constexpr qreal brushRadius = 8;
     const QRect region = overNotes();
     const QPoint from = region.topLeft() + QPoint(60, 60);
     const QPoint to = from + QPoint(120, 0);
@@ -319,9 +322,9 @@ void tst_desktops::mosaicLiesWhereItIsDrawn()
             const QPointF p = QPointF(x + 0.5, y + 0.5) / m_ratio;
             const qreal away =
                 QLineF(p, QPointF(qBound(start.x(), p.x(), end.x()), start.y())).length();
-            if (qAbs(away - brush / 2) < 2)
+            if (qAbs(away - brushRadius) < 2)
                 continue;
-            const QImage& expected = away < brush / 2 ? blocks : before;
+            const QImage& expected = away < brushRadius ? blocks : before;
             const QColor actual = picture.pixelColor(x, y);
             QVERIFY2(actual.rgb() == expected.pixelColor(x, y).rgb(),
                      qPrintable(text(QPoint(x, y)) + " is " + actual.name()));
@@ -396,10 +399,7 @@ void tst_desktops::typedTextArrives()
     QFETCH(QStringList, keys);
     QFETCH(QString, text);
     const QRect region(screens().first().topLeft() + QPoint(100, 150), QSize(500, 300));
-    startCapture();
-    select(region);
-    clickOn("text");
-    QVERIFY(waitFor([this] { return !where("subToolBar").isEmpty(); }));
+    startDrawing(region, "text");
     const QRect box(region.topLeft() + QPoint(50, 50), QSize(200, 100));
     drag(box.topLeft(), box.bottomRight());
     QVERIFY2(waitFor([this] { return !where("QTextEdit").isEmpty(); }), "there is no text box");
