@@ -8,6 +8,9 @@
 #include <QLineEdit>
 #include <QScopedPointer>
 
+/// So many of the overlay's coordinates within a region its frame may cover.
+constexpr int kFrameBand = 8;
+
 /// A window with a picture as background, outside the window manager's reach or as an ordinary one.
 class Picture : public QWidget
 {
