@@ -63,8 +63,9 @@ QPoint mainToolBarPos(const QRect& region, const QSize& bar, int extraHeight, co
 
 QPoint posWithin(const QRect& screen, const QRect& bar)
 {
-    return {qBound(screen.left(), bar.left(), screen.right() + 1 - bar.width()),
-            qBound(screen.top(), bar.top(), screen.bottom() + 1 - bar.height())};
+    // A bar that is larger than its screen begins with it.
+    return {qMax(screen.left(), qMin(bar.left(), screen.right() + 1 - bar.width())),
+            qMax(screen.top(), qMin(bar.top(), screen.bottom() + 1 - bar.height()))};
 }
 
 } // namespace overlay
