@@ -115,6 +115,7 @@ private slots:
     void doneIsTheOnlyDefaultButton();
     void fontSizesAreOffered();
     void blurPanelHasALabelAndASlider();
+    void everyConnectionIsMade();
     void commandsDoWhatTheirSlotsDo_data();
     void commandsDoWhatTheirSlotsDo();
     void everyToolHasAnIconOfItsOwn();
@@ -313,6 +314,29 @@ void tst_ScreenCaptureWnd_toolbars::blurPanelHasALabelAndASlider()
     QCOMPARE(slider->pageStep(), 1);
     QCOMPARE(slider->value(), 4);
     QCOMPARE(slider->toolTip(), QString("Blur"));
+}
+
+// A connection by names that do not exist says so only when it is to be made.
+void tst_ScreenCaptureWnd_toolbars::everyConnectionIsMade()
+{
+    m_capture.reset();
+    static QStringList failures;
+    failures.clear();
+    const QtMessageHandler handler =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
+            if (message.startsWith("QObject::connect: "))
+                failures << message;
+        });
+    const auto restore = qScopeGuard([=] { qInstallMessageHandler(handler); });
+    QVERIFY(!connect(this, SIGNAL(missing()), this, SLOT(deleteLater())));
+    QCOMPARE(failures.size(), 1);
+    failures.clear();
+
+    restart();
+    m_capture->drag(kRegion);
+    for (const MainItem tool : kTools)
+        m_capture->choose(tool);
+    QCOMPARE(failures, QStringList());
 }
 
 void tst_ScreenCaptureWnd_toolbars::commandsDoWhatTheirSlotsDo_data()
