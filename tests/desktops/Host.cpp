@@ -139,8 +139,11 @@ public slots:
 
 int main(int argc, char* argv[])
 {
-    if (qEnvironmentVariableIsSet("host_scales"))
-        QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED // Qt 6 scales every host.
+        if (qEnvironmentVariableIsSet("host_scales"))
+            QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QT_WARNING_POP
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     ScreenCaptureTool::init(QDir::homePath());
