@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "BareOverlay.h"
 
+#include "QtVersions.h"
+
 #include <QApplication>
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -88,7 +90,7 @@ void BareOverlay::drawTo(const QPoint& p)
     if (m_kind == WholeWindow)
         update();
     else
-        update(QRect(m_last, p).normalized().adjusted(-kPenPx, -kPenPx, kPenPx, kPenPx));
+        update(qtversions::normalized(QRect(m_last, p)).adjusted(-kPenPx, -kPenPx, kPenPx, kPenPx));
 }
 
 void BareOverlay::paintEvent(QPaintEvent* event)

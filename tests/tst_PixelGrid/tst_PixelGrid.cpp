@@ -88,13 +88,16 @@ void tst_PixelGrid::coordinatesUnderThePointerHaveItsPixel()
     QFETCH(qreal, ratio);
     for (int pixel = 0; pixel < 5000; ++pixel) {
         const QPointF inWindow(pixel / ratio, (pixel + 1) / ratio);
-        // As Qt hands it to a widget at (30, 40).
-        const QPoint inWidget = inWindow.toPoint() - QPoint(30, 40);
-        const QMouseEvent event(QEvent::MouseMove, inWidget, inWindow, QPointF(), Qt::NoButton,
-                                Qt::NoButton, Qt::NoModifier);
-        const QPoint under = pixels::coordinatesUnder(event, ratio) + QPoint(30, 40);
-        QVERIFY(
-            pixels::nearest(QRect(under, QSize(1, 1)), ratio).contains(QPoint(pixel, pixel + 1)));
+        // As Qt 5 and Qt 6 hand it to a widget.
+        const QPoint widgetPos(300, 400);
+        for (const QPointF inWidget :
+             {QPointF(inWindow.toPoint() - widgetPos), inWindow - widgetPos}) {
+            const QMouseEvent event(QEvent::MouseMove, inWidget, inWindow, QPointF(), Qt::NoButton,
+                                    Qt::NoButton, Qt::NoModifier);
+            const QPoint under = pixels::coordinatesUnder(event, ratio) + widgetPos;
+            QVERIFY(pixels::nearest(QRect(under, QSize(1, 1)), ratio)
+                        .contains(QPoint(pixel, pixel + 1)));
+        }
     }
 }
 

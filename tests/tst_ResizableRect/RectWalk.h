@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Mouse.h"
+#include "QtVersions.h"
 #include "ReferenceRect.h"
 #include "ResizableRect.h"
 
@@ -213,7 +214,8 @@ private:
             {"events that reach the host", m_host.mouseEvents == m_events},
             {"ensureMovingRectInWidget()", moved == m_reference.moved(r)},
             {"ensureSizingRectInWidget()", sized == m_reference.sized(r)},
-            {"isRectInWidget()", m_rect.isRectInWidget(r) == m_reference.isInside(r.normalized())},
+            {"isRectInWidget()",
+             m_rect.isRectInWidget(r) == m_reference.isInside(qtversions::normalized(r))},
             {"corners", cornersAreSame(r)},
             {"wherePoint()", sectionsAreSame()},
         };

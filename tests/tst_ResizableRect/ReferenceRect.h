@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "QtVersions.h"
+
 #include <QMap>
 #include <QPoint>
 #include <QRect>
@@ -67,7 +69,7 @@ struct ReferenceRect {
                r.bottom() <= widget.height();
     }
 
-    QRect rect() const { return raw.normalized(); }
+    QRect rect() const { return qtversions::normalized(raw); }
     QRect label() const
     {
         const QPoint at = rect().topLeft();

@@ -3,6 +3,7 @@
 #include "BehaviourTest.h"
 #include "Host.h"
 #include "Pictures.h"
+#include "QtVersions.h"
 #include "Repainted.h"
 #include "ResizableRect.h"
 
@@ -133,7 +134,7 @@ void tst_ResizableRect::newRectangleIsHiddenAndAsGiven()
     QCOMPARE(rect.parent(), &host);
     QVERIFY(!rect.isVisible());
     QVERIFY(!rect.isSizeInforVisible());
-    QCOMPARE(rect.rect(), given.normalized());
+    QCOMPARE(rect.rect(), qtversions::normalized(given));
     QCOMPARE(rect.getColor(), kColor);
     QCOMPARE(rect.mousePressSection(), -2);
 }

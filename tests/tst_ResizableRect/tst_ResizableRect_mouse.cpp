@@ -2,6 +2,7 @@
 #include "AssertionProbe.h"
 #include "BehaviourTest.h"
 #include "Host.h"
+#include "QtVersions.h"
 #include "RectWalk.h"
 #include "Repainted.h"
 
@@ -127,11 +128,11 @@ void tst_ResizableRect_mouse::draggingPastTheOppositeEdgeInvertsUntilRelease()
     host.move(QPoint(0, 34));
     const QRect raw = edges(10, 10, 0, 59);
     QCOMPARE(raw.width(), -9);
-    QCOMPARE(rect.rect(), raw.normalized());
+    QCOMPARE(rect.rect(), qtversions::normalized(raw));
     QCOMPARE(rect.wherePoint(QPoint(-2, 34)), 1);
     QCOMPARE(rect.wherePoint(QPoint(12, 34)), 0);
     host.release(QPoint(0, 34));
-    QCOMPARE(rect.rect(), raw.normalized());
+    QCOMPARE(rect.rect(), qtversions::normalized(raw));
     QCOMPARE(rect.wherePoint(QPoint(-3, 34)), 0);
     QCOMPARE(rect.wherePoint(QPoint(13, 34)), 1);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "Canvas.h"
+#include "QtVersions.h"
 #include "Repainted.h"
 
 #include <QAbstractEventDispatcher>
@@ -54,7 +55,7 @@ const QPoint kTo(40, 110);
 
 QRegion around(const QPoint& a, const QPoint& b, int margin)
 {
-    return QRect(a, b).normalized().adjusted(-margin, -margin, margin, margin);
+    return qtversions::normalized(QRect(a, b)).adjusted(-margin, -margin, margin, margin);
 }
 
 } // namespace

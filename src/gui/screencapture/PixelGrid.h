@@ -46,9 +46,11 @@ inline QPoint coordinatesUnder(const QMouseEvent& event, qreal ratio)
     // Just short of the pixel's centre: an edge there is rounded to the next pixel.
     constexpr qreal centre = 0.499;
     const QPointF inWindow = qtversions::posInWindow(event);
+    // Rounded, because Qt 5 rounds the position in the widget.
+    const QPointF widgetPos = inWindow - qtversions::posInWidget(event);
     const QPoint under(qFloor(inWindow.x() + centre / ratio),
                        qFloor(inWindow.y() + centre / ratio));
-    return event.pos() + under - inWindow.toPoint();
+    return under - QPoint(nearestEdge(widgetPos.x(), 1), nearestEdge(widgetPos.y(), 1));
 }
 
 } // namespace pixels

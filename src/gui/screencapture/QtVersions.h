@@ -4,9 +4,11 @@
 #include <QLibraryInfo>
 #include <QMouseEvent>
 #include <QPointF>
+#include <QRect>
 #include <QString>
+#include <utility>
 
-/// All that Qt 5 and Qt 6 have different names for.
+/// All in which Qt 5 and Qt 6 differ.
 namespace qtversions
 {
 
@@ -50,5 +52,17 @@ inline QString translationsPath()
 }
 
 #endif
+
+/// The rectangle with the same corners whose width and height are not negative. QRect::normalized()
+/// of Qt 6 leaves the corners of an inverted rectangle out.
+inline QRect normalized(const QRect& rect)
+{
+    int left = rect.left(), top = rect.top(), right = rect.right(), bottom = rect.bottom();
+    if (rect.width() < 0)
+        std::swap(left, right);
+    if (rect.height() < 0)
+        std::swap(top, bottom);
+    return {QPoint(left, top), QPoint(right, bottom)};
+}
 
 } // namespace qtversions

@@ -2,6 +2,7 @@
 #include "ResizableRect.h"
 
 #include "PixelGrid.h"
+#include "QtVersions.h"
 
 #include <QEvent>
 #include <QFont>
@@ -180,7 +181,7 @@ void ResizableRect::setRect(const QRect& rect)
 
 QRect ResizableRect::rect() const
 {
-    return m_rect.normalized();
+    return qtversions::normalized(m_rect);
 }
 
 QPoint ResizableRect::pos() const
@@ -243,7 +244,7 @@ void ResizableRect::ensureSizingRectInWidget(QRect& r)
 bool ResizableRect::isRectInWidget(const QRect& r)
 {
     Q_ASSERT(m_widget != NULL);
-    const QRect n = r.normalized();
+    const QRect n = qtversions::normalized(r);
     return n.top() >= 0 && n.bottom() <= m_widget->height() && n.left() >= 0 &&
            n.right() <= m_widget->width();
 }
@@ -400,7 +401,7 @@ void ResizableRect::mouseReleaseEventFilter(QMouseEvent* event)
     updateArrowRect(m_rect);
     if (m_pressSection == SECTION_OUTSIDE)
         return;
-    m_rect = m_rect.normalized();
+    m_rect = qtversions::normalized(m_rect);
     updateSectionRects();
     event->accept();
 }

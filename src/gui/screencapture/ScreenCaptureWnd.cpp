@@ -402,7 +402,7 @@ void ScreenCaptureWnd::mouseMoveEvent(QMouseEvent* event)
 
 void ScreenCaptureWnd::dragSelection(const QPoint& pos)
 {
-    m_rectCapture->setRect(QRect(m_pressPos, pos).normalized());
+    m_rectCapture->setRect(qtversions::normalized(QRect(m_pressPos, pos)));
     const QRect region = m_rectCapture->rect();
     if (region.width() < kRubberBandShowsFromPx && region.height() < kRubberBandShowsFromPx)
         return;

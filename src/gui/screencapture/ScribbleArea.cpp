@@ -4,6 +4,7 @@
 #include "MosaicPixels.h"
 #include "PictureDifference.h"
 #include "PixelGrid.h"
+#include "QtVersions.h"
 #include "ResizableRect.h"
 #include "StyleSheets.h"
 
@@ -37,7 +38,7 @@ QPen shapePen(qreal width, Qt::PenJoinStyle join)
 QRect strokeArea(const QPoint& from, const QPoint& to, int width)
 {
     const int margin = width / 2 + kStrokeMarginPx;
-    return QRect(from, to).normalized().adjusted(-margin, -margin, margin, margin);
+    return qtversions::normalized(QRect(from, to)).adjusted(-margin, -margin, margin, margin);
 }
 
 // Intended: a drag counts from 3 pixels to the right or down, but from 5 to the left or up, because
@@ -368,7 +369,7 @@ void ScribbleArea::dragFrame(const QPoint& pos)
     if (m_creatingGraph) {
         if (m_graphState == GRAPH_ARROW)
             m_resizableRect->setArrowHead(pos);
-        m_resizableRect->setRect(dragged.normalized());
+        m_resizableRect->setRect(qtversions::normalized(dragged));
         return;
     }
     const bool frameDragsItself = m_resizableRect->isVisible() && !m_pressOutsideRect;
@@ -376,7 +377,7 @@ void ScribbleArea::dragFrame(const QPoint& pos)
         return;
     if (m_resizableRect->isVisible())
         finishResizableRect();
-    m_resizableRect->setRect(dragged.normalized());
+    m_resizableRect->setRect(qtversions::normalized(dragged));
     m_creatingGraph = true;
 }
 
