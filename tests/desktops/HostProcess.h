@@ -35,6 +35,8 @@ public:
     QString content(const QString& name) { return ask("content " + name); }
     /// The physical pixels of each of the overlay's coordinates.
     qreal ratio() { return ask("ratio ScreenCaptureWnd").toDouble(); }
+    /// The same for the densest screen.
+    qreal largestRatio() { return ask("largest ratio").toDouble(); }
 
     /// "captured" or "cancelled"; empty where the capture does not end.
     QString end();

@@ -24,8 +24,9 @@ void tst_desktops::overlayIsTheDimmedDesktop()
 {
     startCapture();
     checkOverlay();
-    // It is made of whole coordinates.
-    const int beyond = m_ratio == 1 ? 0 : qCeil(m_ratio);
+    // It is made of whole coordinates, on whichever screen.
+    const qreal largestRatio = m_host->largestRatio();
+    const int beyond = largestRatio == 1 ? 0 : qCeil(largestRatio);
     const QRect overlay = where("ScreenCaptureWnd");
     QVERIFY(overlay.contains(m_server->desktop()));
     QVERIFY(m_server->desktop().adjusted(0, 0, beyond, beyond).contains(overlay));
