@@ -9,6 +9,7 @@
 #include <QFontMetrics>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPen>
 #include <QWidget>
 
@@ -107,17 +108,24 @@ QPen borderPen(const QColor& color, Qt::PenStyle style)
     return {QBrush(color, Qt::SolidPattern), kBorderWidthPx, style, Qt::RoundCap, Qt::RoundJoin};
 }
 
+// QFontMetrics::tightBoundingRect() of Qt 6 is wider.
+qreal inkWidth(const QFont& font, const QString& text)
+{
+    QPainterPath outlines;
+    outlines.addText(0, 0, font, text);
+    return outlines.boundingRect().width();
+}
+
 // Condenses a text whose ink is wider than the area, so that no digit is lost. A right-to-left
 // layout would put the height first.
 void drawCondensed(QPainter& painter, const QRect& area, const QString& text)
 {
     constexpr int flags = Qt::AlignCenter | Qt::TextForceLeftToRight;
-    const QFontMetrics metrics = painter.fontMetrics();
-    if (metrics.tightBoundingRect(text).width() <= area.width()) {
+    if (inkWidth(painter.font(), text) <= area.width()) {
         painter.drawText(area, flags, text);
         return;
     }
-    const int width = metrics.horizontalAdvance(text);
+    const int width = painter.fontMetrics().horizontalAdvance(text);
     painter.save();
     painter.translate(area.topLeft());
     painter.scale(qreal(area.width()) / width, 1);
