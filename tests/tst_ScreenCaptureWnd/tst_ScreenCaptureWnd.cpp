@@ -184,6 +184,8 @@ void tst_ScreenCaptureWnd::fullDesktopShowsTheWindowWhateverChanged()
 // As the grab of the offscreen platform does.
 void tst_ScreenCaptureWnd::failedGrabGivesNullPictures()
 {
+    // The offscreen platform grabs nothing in Qt 5 only.
+    ScreenCaptureWndAccess::setDesktop(window(), QImage());
     m_capture->drag(kRegion);
     QVERIFY(m_capture->region()->isVisible());
     QVERIFY(window()->captureImage().isNull());
