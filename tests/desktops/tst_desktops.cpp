@@ -402,11 +402,11 @@ void tst_desktops::windowThatIsMovedDeliversWhatLiesUnderIt_data()
 {
     QTest::addColumn<QRect>("first");
     QTest::addColumn<QRect>("second");
-    constexpr QSize side(420, 360);
+    constexpr QSize side(420, 420);
     for (const QRect& from : screens()) {
         for (const QRect& to : screens()) {
-            const QRect first(from.topLeft() + QPoint(150, 120), side);
-            const QRect second(to.topLeft() + QPoint(210, 180), side);
+            const QRect first(from.topLeft() + QPoint(151, 121), side);
+            const QRect second(to.topLeft() + QPoint(211, 182), side);
             QTest::newRow(qPrintable(text(first) + " to " + text(second))) << first << second;
         }
     }
@@ -422,7 +422,7 @@ void tst_desktops::windowThatIsMovedDeliversWhatLiesUnderIt()
     startCapture();
     m_host->ask("be a window");
     moveCaptureTo(first);
-    const QRect dragged(30, 150, 171, 121);
+    const QRect dragged(30, 90, 131, 91);
     const QRect region(coordinatesAt(dragged.topLeft()), coordinatesAt(dragged.bottomRight()));
     select(dragged.translated(first.topLeft()));
     moveCaptureTo(second);
