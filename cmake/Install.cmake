@@ -4,11 +4,11 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/screencapture)
-set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ScreenCapture)
-set(data_dir ${CMAKE_INSTALL_DATADIR}/screencapture)
+set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/${installed_name})
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${installed_package})
+set(data_dir ${CMAKE_INSTALL_DATADIR}/${installed_name})
 
-install(TARGETS screencapture EXPORT ScreenCaptureTargets
+install(TARGETS screencapture EXPORT ${installed_package}Targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime NAMELINK_COMPONENT development
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
@@ -36,15 +36,15 @@ function(compress_document file name)
     add_custom_target(compressed_${name} ALL DEPENDS ${compressed})
 endfunction()
 
-# For find_package(ScreenCapture).
-install(EXPORT ScreenCaptureTargets NAMESPACE ScreenCapture::
+# For find_package().
+install(EXPORT ${installed_package}Targets NAMESPACE ScreenCapture::
     DESTINATION ${package_dir} COMPONENT development)
-configure_package_config_file(cmake/ScreenCaptureConfig.cmake.in ScreenCaptureConfig.cmake
+configure_package_config_file(cmake/ScreenCaptureConfig.cmake.in ${installed_package}Config.cmake
     INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(ScreenCaptureConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+write_basic_package_version_file(${installed_package}ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES
-    ${CMAKE_CURRENT_BINARY_DIR}/ScreenCaptureConfig.cmake
-    ${CMAKE_CURRENT_BINARY_DIR}/ScreenCaptureConfigVersion.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/${installed_package}Config.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/${installed_package}ConfigVersion.cmake
     DESTINATION ${package_dir} COMPONENT development)
 
 # For pkg-config.
@@ -54,8 +54,8 @@ if(NOT BUILD_SHARED_LIBS)
     set(static_definition -DSCREENCAPTURE_STATIC)
     set(static_libraries " -lxcb")
 endif()
-configure_file(cmake/screencapture.pc.in screencapture.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/screencapture.pc
+configure_file(cmake/screencapture.pc.in ${installed_name}.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${installed_name}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 if(TARGET screencapture_translations)

@@ -25,3 +25,11 @@ set(Qt Qt${SCREENCAPTURE_QT})
 set(qt_minimum ${qt${SCREENCAPTURE_QT}_minimum})
 find_package(${Qt} ${qt_minimum} REQUIRED COMPONENTS Core Gui Widgets)
 find_package(${Qt}LinguistTools ${qt_minimum} QUIET)
+
+# What is installed has names of its own for each version, so that both can be installed side by side.
+set(installed_name screencapture)
+set(installed_package ScreenCapture)
+if(SCREENCAPTURE_QT EQUAL 6)
+    string(APPEND installed_name -qt6)
+    string(APPEND installed_package Qt6)
+endif()
