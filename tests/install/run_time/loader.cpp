@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A program that does not know the library when it is built: loads it, takes a capture, and ends
-// with 0 when it got the picture.
+// A program that does not know the library when it is built: loads the one of that name, takes a
+// capture, and ends with 0 when it got the picture.
 #include <QApplication>
 #include <QDialog>
 #include <QImage>
@@ -33,7 +33,7 @@ static void send(QWidget* widget, QEvent::Type type, const QPoint& p)
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
-    QLibrary library("screencapture", 1);
+    QLibrary library(argv[1], 1);
     using Get = QDialog* (*)();
     using Show = void (*)(QDialog*, bool);
     const auto get = Get(library.resolve("_ZN16ScreenCaptureWnd16screenCaptureWndEv"));
