@@ -6,6 +6,7 @@
 #include "XServer.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QPushButton>
 
 namespace
@@ -63,7 +64,7 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void monitorsThatQtDoesNotSeeChangeNothing();
+    void monitorsChangeNothingWhereQtDoesNotSeeThem();
     void screenIsSwitchedOff();
     void screenShrinks();
     void screenThatTurnsUprightCancels();
@@ -136,16 +137,25 @@ void tst_faults_layout::verifyUnchanged()
     QTRY_COMPARE(screenshot().copy(inside), m_desktop->picture().copy(inside));
 }
 
-// The window manager sees them.
-void tst_faults_layout::monitorsThatQtDoesNotSeeChangeNothing()
+// The window manager sees them. To Qt 6 they are screens, and a screen that is added cancels.
+void tst_faults_layout::monitorsChangeNothingWhereQtDoesNotSeeThem()
 {
     xrandr("--setmonitor left 512/100x768/100+0+0 screen");
     xrandr("--setmonitor right 512/100x768/100+512+0 none");
     QVERIFY(xrandr("--listmonitors").contains("left"));
-    verifyUnchanged();
+    const bool qtSeesThem = QLibraryInfo::version().majorVersion() >= 6;
+    if (qtSeesThem) {
+        QTRY_COMPARE(m_receiver.count, 1);
+        QVERIFY(!m_receiver.finished);
+        QTRY_VERIFY(m_capture->isGone());
+    } else {
+        verifyUnchanged();
+    }
     xrandr("--delmonitor right");
     xrandr("--delmonitor left");
     QVERIFY(!xrandr("--listmonitors").contains("left"));
+    if (qtSeesThem)
+        return;
     verifyUnchanged();
     finish();
 }
@@ -179,7 +189,6 @@ void tst_faults_layout::screenChangesWhileAnnotating()
     mouse.press(QPoint(50, 50));
     switchOffAndShrink();
     mouse.release(QPoint(90, 90));
-    switchOn();
     m_selected = canvas->image().convertToFormat(QImage::Format_RGB32);
     QVERIFY(m_selected != m_desktop->picture().copy(kRegion));
     finish();
