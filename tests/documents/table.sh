@@ -14,7 +14,7 @@ check_command() {
             is_suite "$(cut -d ' ' -f 3 <<<"$1")" && grep -rq "label_long(.* ${1##* })" tests/hardening ;;
         'tests/desktops/table build/dev') bash -n tests/desktops/table ;;
         tools/mutate*) run "$1 --list" ;;
-        ./bench*) [ -x bench ] && grep -q -- '"--size"' bench ;;
+        ./bench*) ./bench --help >/dev/null && has_options bench "$1" ;;
         tools/install-packages | 'tools/install-packages packaging' | 'tools/install-packages memory') run "$1" ;;
         './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
         './test asan') is_suite asan ;;
