@@ -15,7 +15,7 @@ check_command() {
         'tests/desktops/table build/dev') bash -n tests/desktops/table ;;
         tools/mutate*) run "$1 --list" ;;
         ./bench*) ./bench --help >/dev/null && has_options bench "$1" ;;
-        tools/install-packages | 'tools/install-packages packaging' | 'tools/install-packages memory') run "$1" ;;
+        tools/install-packages | 'tools/install-packages packaging' | 'tools/install-packages qt6' | 'tools/install-packages memory') run "$1" ;;
         './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
         './test asan') is_suite asan ;;
         # What ./run and ./test leave.
@@ -38,7 +38,7 @@ check_command() {
         'tools/with-display '*) run "${1//build\/dev/$build}" ;;
 
         # The library itself, then programs that use it, some of which have its sources in a folder.
-        'cmake -S . -B build'* | 'cmake --install build '*) run_in_place "$1" ;;
+        'cmake -S . -B build'* | 'cmake --build build-qt6' | 'cmake --install build'*) run_in_place "$1" ;;
         'cmake --build build') if [ -L "$place/screencapture" ]; then build_beside_sources; else run_in_place "$1"; fi ;;
         'export '*) eval "$1" ;;
         'g++ -std=c++17 -fPIC main.cpp '* | make) run_in_place "$1" ;;
@@ -63,7 +63,9 @@ check_block() {
         'README.md cpp #include <QApplication>') cp "$3" "$scratch/main.cpp" ;;
         'README.md cmake '*) route "$3" CMakeLists.txt ;;
         'README.md cpp hide();') stands_in docs/embedding.md "$3" ;;
-        'docs/installing.md cmake '*) route_from_sources "$3" ;;
+        'docs/installing.md cmake '*)
+            if grep -q find_package "$3"; then route "$3" CMakeLists.txt && builds_and_runs
+            else route_from_sources "$3"; fi ;;
         'docs/installing.md qmake '*) route "$3" yourapp.pro ;;
 
         'docs/embedding.md cpp #include <QApplication>') mkdir -p "$scratch/embedding" && cp "$3" "$scratch/embedding/main.cpp" ;;

@@ -298,10 +298,16 @@ void ScreenCaptureWnd::reject()
         deliverAndHide(QImage(), false);
 }
 
-// What the window shows depends on where it stands.
-void ScreenCaptureWnd::moveEvent(QMoveEvent* event)
+// What the window shows depends on where it stands, and on the ratio there.
+void ScreenCaptureWnd::followPlace()
 {
     update();
+    updateMagnifierAtCursor();
+}
+
+void ScreenCaptureWnd::moveEvent(QMoveEvent* event)
+{
+    followPlace();
     QDialog::moveEvent(event);
 }
 
@@ -312,8 +318,8 @@ void ScreenCaptureWnd::showEvent(QShowEvent* event)
         m_ended = false;
         if (m_fullDesktop)
             m_keeper = new OverlayKeeper(windowHandle(), *m_nativeDesktop);
-        connect(windowHandle(), &QWindow::screenChanged, this,
-                &ScreenCaptureWnd::updateMagnifierAtCursor, Qt::UniqueConnection);
+        connect(windowHandle(), &QWindow::screenChanged, this, &ScreenCaptureWnd::followPlace,
+                Qt::UniqueConnection);
     }
     QDialog::showEvent(event);
 }

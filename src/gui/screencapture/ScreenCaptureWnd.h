@@ -153,6 +153,7 @@ private:
     void hideCanvas();
     DesktopPicture desktopPicture() const;
     void cancelIfShown();
+    void followPlace();
     void updateMagnifier(const QPointF& pos);
     int draggedSection() const;
     void updateMagnifierAtCursor();
