@@ -7,7 +7,7 @@ check_command() {
     case $1 in
         ./run) runs_on_a_bare_machine ;;
         # The suites themselves.
-        ./test | './test all') is_suite dev && is_suite asan ;;
+        ./test | './test all') is_suite dev && is_suite asan && is_suite dev-qt6 ;;
         # Too long to be run here; that they can be read, and understand what they are given.
         'tools/fuzz 600') bash -n tools/fuzz ;;
         'ctest --preset '*' -L '*)
@@ -16,7 +16,7 @@ check_command() {
         tools/mutate*) run "$1 --list" ;;
         ./bench*) ./bench --help >/dev/null && has_options bench "$1" ;;
         tools/install-packages | 'tools/install-packages packaging' | 'tools/install-packages qt6' | 'tools/install-packages memory') run "$1" ;;
-        './test NAME') is_suite dev-clang && is_suite release && is_suite release-clang ;;
+        './test NAME') is_suite dev-qt6 && is_suite asan-qt6 && is_suite dev-clang && is_suite release ;;
         './test asan') is_suite asan ;;
         # What ./run and ./test leave.
         build/release) [ -x build/release/host/capture-host ] ;;
