@@ -31,9 +31,17 @@ public:
         return reply ? reply->focus : XCB_NONE;
     }
 
-    void setFocus(xcb_window_t window) const
+    /// What gets the keyboard when the window that has it goes away: a value of xcb_input_focus_t.
+    std::uint8_t focusReverts() const
     {
-        xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+        const auto reply = owned(
+            xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+        return reply ? reply->revert_to : std::uint8_t(XCB_INPUT_FOCUS_NONE);
+    }
+
+    void setFocus(xcb_window_t window, std::uint8_t revertTo = XCB_INPUT_FOCUS_POINTER_ROOT) const
+    {
+        xcb_set_input_focus(m_connection, revertTo, window, XCB_CURRENT_TIME);
         focus(); // Comes back once the server has done it.
     }
 

@@ -60,6 +60,7 @@ private slots:
     void dialogThatIsNeverManagedStaysSo();
     void dialogThatWasOpenBeforeStaysBelow();
     void dialogHasTheKeyboard();
+    void keyboardRevertsToThePointer();
     void dialogIsAboveAManagedWindow();
     void dialogThatIsShownAgainIsAbove();
     void ordinaryWindowOpensBelow();
@@ -323,6 +324,19 @@ void tst_OverlayKeeper::dialogHasTheKeyboard()
     QTRY_COMPARE(m_server->focus(), idOf(dialogs[0]));
     dialogs[0].hide();
     QTRY_COMPARE(m_server->focus(), overlay());
+}
+
+// However it came to the window, so that a process that is killed leaves it to what is under the
+// pointer.
+void tst_OverlayKeeper::keyboardRevertsToThePointer()
+{
+    keep();
+    QDialog dialog;
+    dialog.open();
+    QTRY_VERIFY(dialog.isActiveWindow());
+    QTRY_COMPARE(m_server->focusReverts(), std::uint8_t(XCB_INPUT_FOCUS_POINTER_ROOT));
+    m_server->setFocus(overlay(), XCB_INPUT_FOCUS_PARENT);
+    QTRY_COMPARE(m_server->focusReverts(), std::uint8_t(XCB_INPUT_FOCUS_POINTER_ROOT));
 }
 
 void tst_OverlayKeeper::dialogIsAboveAManagedWindow()

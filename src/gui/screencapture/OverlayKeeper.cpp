@@ -102,7 +102,9 @@ OverlayKeeper::~OverlayKeeper()
     xcb_disconnect(m_connection);
 }
 
-// The X server has a window manager manage a window or not when the window appears.
+// The X server has a window manager manage a window or not when the window appears. Qt asks for the
+// keyboard, too, for a modal dialog, but so that it reverts to the root window; by the time that a
+// window learns that it has the keyboard, Qt has done so.
 bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
 {
     auto* window = qobject_cast<QWindow*>(watched);
@@ -111,6 +113,9 @@ bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
         window->setFlags(window->flags() | Qt::BypassWindowManagerHint);
     } else if (event->type() == QEvent::Hide && m_flags.contains(window)) {
         window->setFlags(m_flags.take(window));
+    } else if (event->type() == QEvent::FocusIn && mayHaveKeyboard(window) &&
+               window->winId() == focus()) {
+        giveFocus(static_cast<xcb_window_t>(window->winId()));
     }
     return QObject::eventFilter(watched, event);
 }
@@ -141,7 +146,7 @@ void OverlayKeeper::handle(const xcb_generic_event_t& event)
 void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
 {
     const QWindow* window = ownWindow(event.window);
-    if (window == m_overlay || isUnmanagedDialog(window)) {
+    if (mayHaveKeyboard(window)) {
         const std::uint32_t mask = XCB_EVENT_MASK_FOCUS_CHANGE;
         xcb_change_window_attributes(m_connection, event.window, XCB_CW_EVENT_MASK, &mask);
         // A window that is shown again appears where it was in the stack.
@@ -197,7 +202,7 @@ void OverlayKeeper::keepAbove(xcb_window_t managed)
 void OverlayKeeper::keepKeyboard()
 {
     const QWindow* holder = ownWindow(focus());
-    if (m_pause.isActive() || holder == m_overlay || isUnmanagedDialog(holder))
+    if (m_pause.isActive() || mayHaveKeyboard(holder))
         return;
     auto heir = overlay();
     for (const xcb_window_t id : windowsFromBelow(m_connection, root())) {
@@ -207,6 +212,11 @@ void OverlayKeeper::keepKeyboard()
     }
     giveFocus(heir);
     m_pause.start();
+}
+
+bool OverlayKeeper::mayHaveKeyboard(const QWindow* window) const
+{
+    return window == m_overlay || isUnmanagedDialog(window);
 }
 
 xcb_window_t OverlayKeeper::focus() const

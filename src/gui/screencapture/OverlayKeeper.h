@@ -44,6 +44,7 @@ private:
     void coverDesktop();
     void keepAbove(xcb_window_t managed);
     void keepKeyboard();
+    bool mayHaveKeyboard(const QWindow* window) const;
     xcb_window_t focus() const;
     void giveFocus(xcb_window_t id);
     void letBeManaged(xcb_window_t id);
