@@ -109,6 +109,8 @@ private:
         } else if (question.startsWith("ratio ")) {
             const QWidget* widget = findWidget(what);
             say(QString::number(widget ? widget->screen()->devicePixelRatio() : 0));
+        } else if (question == "screen") {
+            say(ScreenCaptureWnd::screenCaptureWnd()->screen()->name());
         } else if (question == "largest ratio") {
             say(QString::number(qApp->devicePixelRatio()));
         } else if (question == "be a window") {

@@ -35,6 +35,8 @@ public:
     QString content(const QString& name) { return ask("content " + name); }
     /// The physical pixels of each of the overlay's coordinates.
     qreal ratio() { return ask("ratio ScreenCaptureWnd").toDouble(); }
+    /// The screen on which the overlay takes itself to be.
+    QString screen() { return ask("screen"); }
     /// The same for the densest screen.
     qreal largestRatio() { return ask("largest ratio").toDouble(); }
 
