@@ -25,7 +25,8 @@ void installTranslations()
 {
     install(QStringLiteral("qtbase"), qtversions::translationsPath());
     // Relative to the program, as it is installed and as it is built.
-    for (const char* place : {"/../share/" SCREENCAPTURE_NAME "/translations", "/../translations"}) {
+    for (const char* place :
+         {"/../share/" SCREENCAPTURE_NAME "/translations", "/../translations"}) {
         const QString directory = QCoreApplication::applicationDirPath() + QLatin1String(place);
         install(QStringLiteral("screencapture"), directory);
         install(QStringLiteral("capture-host"), directory);
