@@ -16,6 +16,8 @@ private slots:
     void toolBarStandsAtTheRegion_data();
     void toolBarStandsAtTheRegion();
     void toolBarIsBoundedAtTheFirstPixelOfItsScreen();
+    void windowCoversTheDesktopHoweverQtRounds_data();
+    void windowCoversTheDesktopHoweverQtRounds();
     void nearestScreenIsFound_data();
     void nearestScreenIsFound();
     void barIsMovedOntoItsScreen_data();
@@ -116,6 +118,35 @@ void tst_OverlayGeometry::toolBarIsBoundedAtTheFirstPixelOfItsScreen()
                  origin + QPoint(x, y));
         if (screen.contains(region.bottomRight()) && bar.boundedTo(screen.size()) == bar)
             QVERIFY(screen.contains(QRect(QPoint(x, y), bar)));
+    }
+}
+
+void tst_OverlayGeometry::windowCoversTheDesktopHoweverQtRounds_data()
+{
+    QTest::addColumn<QVector<qreal>>("ratios");
+    QTest::newRow("1") << QVector<qreal>{1};
+    QTest::newRow("2") << QVector<qreal>{2};
+    QTest::newRow("1.75") << QVector<qreal>{1.75};
+    QTest::newRow("2 and 1") << QVector<qreal>{2, 1};
+    QTest::newRow("1.75 and 2") << QVector<qreal>{1.75, 2};
+    QTest::newRow("3 and 2.5") << QVector<qreal>{3, 2.5};
+    QTest::newRow("0.75 and 1") << QVector<qreal>{0.75, 1};
+}
+
+void tst_OverlayGeometry::windowCoversTheDesktopHoweverQtRounds()
+{
+    QFETCH(QVector<qreal>, ratios);
+    for (int pixels = 600; pixels < 4000; ++pixels) {
+        const int length = overlay::coveringLength(pixels, ratios);
+        QVERIFY(length - pixels <= 2);
+        bool isWhole = true;
+        for (const qreal ratio : ratios) {
+            const int coordinates = qRound(length / ratio);
+            QVERIFY2(qRound(coordinates * ratio) >= pixels, qPrintable(QString::number(pixels)));
+            isWhole = isWhole && qRound(pixels / ratio) * ratio == pixels;
+        }
+        if (isWhole)
+            QCOMPARE(length, pixels);
     }
 }
 

@@ -61,6 +61,7 @@ private slots:
     void dialogThatWasOpenBeforeStaysBelow();
     void dialogHasTheKeyboard();
     void keyboardRevertsToThePointer();
+    void overlayStaysAboveWhatAppearsAsItGetsTheKeyboard();
     void dialogIsAboveAManagedWindow();
     void dialogThatIsShownAgainIsAbove();
     void ordinaryWindowOpensBelow();
@@ -337,6 +338,16 @@ void tst_OverlayKeeper::keyboardRevertsToThePointer()
     QTRY_COMPARE(m_server->focusReverts(), std::uint8_t(XCB_INPUT_FOCUS_POINTER_ROOT));
     m_server->setFocus(overlay(), XCB_INPUT_FOCUS_PARENT);
     QTRY_COMPARE(m_server->focusReverts(), std::uint8_t(XCB_INPUT_FOCUS_POINTER_ROOT));
+}
+
+// Whoever waits for a reply of the server takes the events that come before it.
+void tst_OverlayKeeper::overlayStaysAboveWhatAppearsAsItGetsTheKeyboard()
+{
+    keep();
+    m_server->showWindow(kOther, true);
+    QFocusEvent focusIn(QEvent::FocusIn);
+    QApplication::sendEvent(m_overlay->windowHandle(), &focusIn);
+    QTRY_VERIFY(m_server->isTopmost(overlay(), kShared));
 }
 
 void tst_OverlayKeeper::dialogIsAboveAManagedWindow()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "NativeDesktop.h"
 
+#include "OverlayGeometry.h"
 #include "XcbReply.h"
 
 #include <QCursor>
@@ -8,21 +9,6 @@
 #include <QScreen>
 #include <QWidget>
 #include <QtMath>
-
-#include <cmath>
-
-namespace
-{
-
-// Adds as much as Qt may take away when it rounds to whole coordinates.
-int roundedUp(int pixels)
-{
-    const qreal largestRatio = qApp->devicePixelRatio();
-    const bool isWhole = std::fmod(pixels, largestRatio) == 0;
-    return isWhole ? pixels : pixels + qCeil(largestRatio / 2);
-}
-
-} // namespace
 
 NativeDesktop::NativeDesktop()
 {
@@ -45,7 +31,13 @@ QSize NativeDesktop::coveringSize() const
         return {};
     const auto root = xcb::owned(
         xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, m_root), nullptr));
-    return root ? QSize(roundedUp(root->width), roundedUp(root->height)) : QSize();
+    if (!root)
+        return {};
+    QVector<qreal> ratios;
+    for (const QScreen* screen : QGuiApplication::screens())
+        ratios << screen->devicePixelRatio();
+    return {overlay::coveringLength(root->width, ratios),
+            overlay::coveringLength(root->height, ratios)};
 }
 
 QRect NativeDesktop::geometryFor(const QWidget& window) const

@@ -23,7 +23,8 @@ public:
     /// The window of which QScreen::grabWindow() grabs the whole desktop; 0 on other platforms.
     WId root() const { return m_root; }
 
-    /// Returns the size with which a window at (0, 0) covers all screens; null on other platforms.
+    /// Returns the size with which a window at (0, 0) covers all screens; invalid on other
+    /// platforms.
     QSize coveringSize() const;
 
     /// Returns the geometry, in Qt's coordinates, with which `window` covers all screens.

@@ -3,7 +3,10 @@
 
 #include "ResizableRect.h"
 
+#include <QtMath>
+
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -38,6 +41,14 @@ QPoint loupePos(const QPoint& cursor, const QSize& window)
     if (y + kLoupeSidePx > window.height())
         y = cursor.y() - kLoupeGapYPx - kLoupeSidePx;
     return {x, y};
+}
+
+int coveringLength(int pixels, const QVector<qreal>& ratios)
+{
+    const bool isWhole = std::all_of(ratios.begin(), ratios.end(),
+                                     [=](qreal ratio) { return std::fmod(pixels, ratio) == 0; });
+    const qreal largest = *std::max_element(ratios.begin(), ratios.end());
+    return isWhole ? pixels : pixels + qCeil(largest / 2);
 }
 
 QRect nearestScreen(const QPoint& p, const QVector<QRect>& screens)

@@ -27,6 +27,10 @@ QRect loupeSource(const QPoint& p);
 /// on which the window has no room.
 QPoint loupePos(const QPoint& cursor, const QSize& window);
 
+/// Returns the length, in physical pixels, of a window that covers `pixels`, also after Qt has
+/// rounded the length to whole coordinates of any of the `ratios`.
+int coveringLength(int pixels, const QVector<qreal>& ratios);
+
 /// Returns the one of `screens` that contains `p`, or the nearest one. There is at least one.
 QRect nearestScreen(const QPoint& p, const QVector<QRect>& screens);
 

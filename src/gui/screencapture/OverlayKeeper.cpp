@@ -113,9 +113,11 @@ bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
         window->setFlags(window->flags() | Qt::BypassWindowManagerHint);
     } else if (event->type() == QEvent::Hide && m_flags.contains(window)) {
         window->setFlags(m_flags.take(window));
-    } else if (event->type() == QEvent::FocusIn && mayHaveKeyboard(window) &&
-               window->winId() == focus()) {
-        giveFocus(static_cast<xcb_window_t>(window->winId()));
+    } else if (event->type() == QEvent::FocusIn && mayHaveKeyboard(window)) {
+        if (window->winId() == focus())
+            giveFocus(static_cast<xcb_window_t>(window->winId()));
+        // Those that came before the reply are not announced any more.
+        readEvents();
     }
     return QObject::eventFilter(watched, event);
 }

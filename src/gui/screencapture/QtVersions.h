@@ -8,7 +8,7 @@
 #include <QString>
 #include <utility>
 
-/// All in which Qt 5 and Qt 6 differ.
+/// What is called otherwise, or does otherwise, in Qt 5 and Qt 6.
 namespace qtversions
 {
 

@@ -108,12 +108,12 @@ QPen borderPen(const QColor& color, Qt::PenStyle style)
     return {QBrush(color, Qt::SolidPattern), kBorderWidthPx, style, Qt::RoundCap, Qt::RoundJoin};
 }
 
-// QFontMetrics::tightBoundingRect() of Qt 6 is wider.
-qreal inkWidth(const QFont& font, const QString& text)
+// In whole pixels. QFontMetrics::tightBoundingRect() of Qt 6 is wider.
+int inkWidth(const QFont& font, const QString& text)
 {
     QPainterPath outlines;
     outlines.addText(0, 0, font, text);
-    return outlines.boundingRect().width();
+    return qFloor(outlines.boundingRect().width());
 }
 
 // Condenses a text whose ink is wider than the area, so that no digit is lost. A right-to-left

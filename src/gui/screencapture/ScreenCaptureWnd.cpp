@@ -160,10 +160,10 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
     if (full != m_fullDesktop) {
         if (full) {
             m_normalGeometry = geometry();
-            m_normalFlags = windowFlags();
+            m_wasUnmanaged = windowFlags() & Qt::X11BypassWindowManagerHint;
         }
         // No window manager lets a window that it manages cover panels and every screen.
-        setWindowFlags(full ? m_normalFlags | Qt::X11BypassWindowManagerHint : m_normalFlags);
+        setWindowFlag(Qt::X11BypassWindowManagerHint, full || m_wasUnmanaged);
         setGeometry(full ? m_nativeDesktop->geometryFor(*this) : m_normalGeometry);
         m_fullDesktop = full;
     }

@@ -209,7 +209,7 @@ private:
     bool m_fullDesktop = false;
     OverlayKeeper* m_keeper = nullptr;
     QRect m_normalGeometry;
-    Qt::WindowFlags m_normalFlags;
+    bool m_wasUnmanaged = false;
     bool m_ended = false;
 
     Q_DISABLE_COPY(ScreenCaptureWnd)
