@@ -181,10 +181,9 @@ void tst_ScreenCaptureWnd::fullDesktopShowsTheWindowWhateverChanged()
     }
 }
 
-// As the grab of the offscreen platform does.
 void tst_ScreenCaptureWnd::failedGrabGivesNullPictures()
 {
-    // The offscreen platform grabs nothing in Qt 5 only.
+    // The grab of the offscreen platform fails in Qt 5 only.
     ScreenCaptureWndAccess::setDesktop(window(), QImage());
     m_capture->drag(kRegion);
     QVERIFY(m_capture->region()->isVisible());

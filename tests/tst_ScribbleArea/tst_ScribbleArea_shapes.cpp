@@ -159,7 +159,6 @@ void tst_ScribbleArea_shapes::shapeIsShownOnThePixelsOfThePicture()
     }
 }
 
-// The picture is left to the parent.
 void tst_ScribbleArea_shapes::canvasAndFrameAgreeOnWhereAPressIs_data()
 {
     QTest::addColumn<qreal>("beyondTheEdge");
@@ -191,6 +190,7 @@ void tst_ScribbleArea_shapes::canvasAndFrameAgreeOnWhereAPressIs()
     QCOMPARE(canvas.frame()->mousePressSection() == ResizableRect::SECTION_OUTSIDE, outside);
 }
 
+// The picture is left to the parent.
 void tst_ScribbleArea_shapes::otherToolsShowNoShape()
 {
     Canvas canvas;
