@@ -63,6 +63,7 @@ private slots:
     void loupeShowsTheDraggedEdge();
     void loupeForgetsTheHandleOfADroppedRegion();
     void loupeShowsWhatLiesWhereTheWindowStands();
+    void loupeStaysAtThePointerWhenTheWindowMoves();
     void loupeFlipsAtTheEdges_data();
     void loupeFlipsAtTheEdges();
 
@@ -323,6 +324,16 @@ void tst_ScreenCaptureWnd_selecting::loupeShowsWhatLiesWhereTheWindowStands()
     m_capture->move(kTo);
     QVERIFY(shows(m_capture->loupe(), kTo + kMoved));
     QCOMPARE(m_capture->loupe()->pos(), kTo + kBesideLoupe);
+}
+
+void tst_ScreenCaptureWnd_selecting::loupeStaysAtThePointerWhenTheWindowMoves()
+{
+    constexpr QPoint kMoved(-37, 53);
+    QCursor::setPos(kTo);
+    QTRY_COMPARE(m_capture->loupe()->pos(), kTo + kBesideLoupe);
+    window()->move(kMoved);
+    QTRY_COMPARE(m_capture->loupe()->pos(), kTo - kMoved + kBesideLoupe);
+    QVERIFY(shows(m_capture->loupe(), kTo));
 }
 
 void tst_ScreenCaptureWnd_selecting::loupeFlipsAtTheEdges_data()
