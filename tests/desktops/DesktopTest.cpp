@@ -52,10 +52,12 @@ void DesktopTest::initTestCase()
     m_desktop.reset(
         new Picture(places(m_server->desktop().size()),
                     isManaged ? Qt::FramelessWindowHint : Qt::X11BypassWindowManagerHint));
-    m_desktop->setAttribute(Qt::WA_X11NetWmWindowTypeDesktop, isManaged);
     // A compositing manager does not composite what an opaque window covers wholly.
     m_desktop->setAttribute(Qt::WA_TranslucentBackground);
     m_desktop->move(0, 0);
+    // Qt 6 tells the server of it only where there is a native window.
+    m_desktop->winId();
+    m_desktop->setAttribute(Qt::WA_X11NetWmWindowTypeDesktop, isManaged);
     m_desktop->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_desktop.data()));
     m_desktop->lower();

@@ -18,6 +18,7 @@ HostProcess::HostProcess()
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     // Its scale factor is not this program's.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("QT_ENABLE_HIGHDPI_SCALING");
     const QMap<QString, QString> settings = scaleSettings();
     for (auto it = settings.begin(); it != settings.end(); ++it)
         environment.insert(it.key(), it.value());
