@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QCoreApplication>
 #include <QLibraryInfo>
 #include <QMouseEvent>
 #include <QPointF>
@@ -30,6 +31,12 @@ inline QString translationsPath()
 {
     return QLibraryInfo::path(QLibraryInfo::TranslationsPath);
 }
+/// Paints icons in physical pixels.
+template <typename Paint>
+void withDenseIcons(Paint paint)
+{
+    paint();
+}
 
 #else
 
@@ -49,6 +56,15 @@ inline QPointF posOnDesktop(const QMouseEvent& event)
 inline QString translationsPath()
 {
     return QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+}
+/// Paints icons in physical pixels, which Qt 5 leaves to the host to ask for.
+template <typename Paint>
+void withDenseIcons(Paint paint)
+{
+    const bool isAskedFor = QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    paint();
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, isAskedFor);
 }
 
 #endif

@@ -115,7 +115,7 @@ QWidget* createToolBar(QWidget* window, const QString& name, int marginPx)
 QPushButton* createCommandButton(QWidget* window, const QString& name, const QString& toolTip,
                                  const char* slot)
 {
-    auto* button = new icons::Button(QIcon(icons::file(name)), QString());
+    auto* button = new icons::Button(icons::icon(name), QString());
     button->setToolTip(toolTip);
     button->setStyleSheet(style::kDarkToolTip);
     button->setAccessibleName(toolTip);
@@ -135,7 +135,7 @@ QPushButton* createToolButton(QWidget* window, const QString& name, const QStrin
 
 QPushButton* createDoneButton(QWidget* window)
 {
-    auto* button = new icons::Button(QIcon(icons::file("done")), ScreenCaptureWnd::tr("done"));
+    auto* button = new icons::Button(icons::icon("done"), ScreenCaptureWnd::tr("done"));
     button->setObjectName(QStringLiteral("doneButton"));
     button->setFixedSize(kDoneButtonSizePx);
     button->setStyleSheet(style::kDarkText);
@@ -354,7 +354,6 @@ void ScreenCaptureWnd::initToolBars()
     btnUndo->setFixedSize(kButtonSizePx);
     btnUndo->setShortcut(QKeySequence::Undo);
     m_btnRedo = createCommandButton(this, "redo", tr("redo"), SLOT(redo()));
-    m_btnRedo->setIcon(icons::paleWhileDisabled("redo"));
     m_btnRedo->setEnabled(false);
     m_btnRedo->setShortcut(QKeySequence::Redo);
     // Intended: the redo button keeps the size that the layout gives it.
