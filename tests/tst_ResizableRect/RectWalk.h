@@ -2,7 +2,6 @@
 #pragma once
 
 #include "Mouse.h"
-#include "QtVersions.h"
 #include "ReferenceRect.h"
 #include "ResizableRect.h"
 
@@ -215,7 +214,7 @@ private:
             {"ensureMovingRectInWidget()", moved == m_reference.moved(r)},
             {"ensureSizingRectInWidget()", sized == m_reference.sized(r)},
             {"isRectInWidget()",
-             m_rect.isRectInWidget(r) == m_reference.isInside(qtversions::normalized(r))},
+             m_rect.isRectInWidget(r) == m_reference.isInside(ReferenceRect::upright(r))},
             {"corners", cornersAreSame(r)},
             {"wherePoint()", sectionsAreSame()},
         };

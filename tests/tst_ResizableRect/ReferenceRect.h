@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "QtVersions.h"
-
 #include <QMap>
 #include <QPoint>
 #include <QRect>
@@ -69,7 +67,15 @@ struct ReferenceRect {
                r.bottom() <= widget.height();
     }
 
-    QRect rect() const { return qtversions::normalized(raw); }
+    static bool isInverted(int first, int last) { return last < first - 1; }
+    static QRect upright(const QRect& r)
+    {
+        const bool x = isInverted(r.left(), r.right());
+        const bool y = isInverted(r.top(), r.bottom());
+        return {QPoint(x ? r.right() : r.left(), y ? r.bottom() : r.top()),
+                QPoint(x ? r.left() : r.right(), y ? r.top() : r.bottom())};
+    }
+    QRect rect() const { return upright(raw); }
     QRect label() const
     {
         const QPoint at = rect().topLeft();
@@ -104,8 +110,8 @@ struct ReferenceRect {
         static const QMap<int, int> vertical{{2, 3}, {3, 2}, {4, 6}, {6, 4}, {5, 7}, {7, 5}};
         static const QMap<int, int> both{{0, 2}, {2, 0}, {1, 3}, {3, 1},
                                          {4, 7}, {7, 4}, {5, 6}, {6, 5}};
-        const bool x = r.right() - r.left() + 1 < 0;
-        const bool y = r.bottom() - r.top() + 1 < 0;
+        const bool x = isInverted(r.left(), r.right());
+        const bool y = isInverted(r.top(), r.bottom());
         if (!x && !y)
             return;
         const QMap<int, int>& table = x && y ? both : x ? horizontal : vertical;

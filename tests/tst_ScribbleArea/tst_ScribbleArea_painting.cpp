@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "BehaviourTest.h"
 #include "Canvas.h"
-#include "QtVersions.h"
 #include "Repainted.h"
 
 #include <QAbstractEventDispatcher>
@@ -55,7 +54,7 @@ const QPoint kTo(40, 110);
 
 QRegion around(const QPoint& a, const QPoint& b, int margin)
 {
-    return qtversions::normalized(QRect(a, b)).adjusted(-margin, -margin, margin, margin);
+    return (QRect(a, a) | QRect(b, b)).adjusted(-margin, -margin, margin, margin);
 }
 
 } // namespace
