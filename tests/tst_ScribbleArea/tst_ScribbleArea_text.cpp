@@ -118,6 +118,14 @@ void tst_ScribbleArea_text::typedTextIsRenderedAsItLooks_data()
         QTest::keyClick(canvas.textBox(), Qt::Key_Backspace);
         canvas.type("two");
     });
+    add("composed by an input method", 20, {{"\u00e9a", Qt::red}}, [](TextCanvas& canvas) {
+        QInputMethodEvent composing("\u00b4", {});
+        QCoreApplication::sendEvent(canvas.textBox(), &composing);
+        QInputMethodEvent composed;
+        composed.setCommitString("\u00e9");
+        QCoreApplication::sendEvent(canvas.textBox(), &composed);
+        canvas.type("a");
+    });
     add("colours after an erasure", 20, {{"Ab", Qt::red}, {"cd", Qt::green}},
         [](TextCanvas& canvas) {
             canvas.type("o");
