@@ -106,6 +106,18 @@ public:
             .copy();
     }
 
+    void setGeometry(xcb_window_t window, const QRect& place) const
+    {
+        const std::uint32_t values[] = {std::uint32_t(place.x()), std::uint32_t(place.y()),
+                                        std::uint32_t(place.width()),
+                                        std::uint32_t(place.height())};
+        xcb_configure_window(m_connection, window,
+                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                                 XCB_CONFIG_WINDOW_HEIGHT,
+                             values);
+        focus();
+    }
+
     /// Where a window stands on the root window; null where there is none.
     QRect geometry(xcb_window_t window) const
     {

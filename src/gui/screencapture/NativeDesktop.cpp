@@ -8,7 +8,8 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
-#include <QtMath>
+
+#include <algorithm>
 
 NativeDesktop::NativeDesktop()
 {
@@ -40,9 +41,19 @@ QSize NativeDesktop::coveringSize() const
             overlay::coveringLength(root->height, ratios)};
 }
 
-QRect NativeDesktop::geometryFor(const QWidget& window) const
+QScreen* NativeDesktop::middleScreen() const
 {
-    const QScreen& screen = *window.screen();
+    const QPoint middle = QRect(QPoint(), coveringSize()).center();
+    const auto screens = QGuiApplication::primaryScreen()->virtualSiblings();
+    const auto found = std::find_if(screens.begin(), screens.end(), [&](const QScreen* screen) {
+        return pixelsOf(*screen).contains(middle);
+    });
+    return found == screens.end() ? screens.last() : *found;
+}
+
+QRect NativeDesktop::coveringGeometry() const
+{
+    const QScreen& screen = *middleScreen();
     const QSize size = coveringSize();
     return size.isEmpty() ? screen.virtualGeometry()
                           : QRect(QPoint(), size / screen.devicePixelRatio());

@@ -23,12 +23,16 @@ public:
     /// The window of which QScreen::grabWindow() grabs the whole desktop; 0 on other platforms.
     WId root() const { return m_root; }
 
-    /// Returns the size with which a window at (0, 0) covers all screens; invalid on other
-    /// platforms.
+    /// Returns the size with which a window at (0, 0) covers all screens, in the coordinates of any
+    /// of them; invalid on other platforms.
     QSize coveringSize() const;
 
-    /// Returns the geometry, in Qt's coordinates, with which `window` covers all screens.
-    QRect geometryFor(const QWidget& window) const;
+    /// Returns the screen on which Qt takes such a window to be: the one that holds its middle, or
+    /// the last one.
+    QScreen* middleScreen() const;
+
+    /// Returns the geometry of such a window in coordinates of middleScreen().
+    QRect coveringGeometry() const;
 
     /// Returns where the top-left corner of `window` is.
     QPoint posOf(const QWidget& window) const;

@@ -83,7 +83,6 @@ OverlayKeeper::OverlayKeeper(QWindow* overlay, const NativeDesktop& desktop)
         keepKeyboard();
         readEvents();
     });
-    connect(overlay, &QWindow::screenChanged, this, &OverlayKeeper::coverDesktop);
     qApp->installEventFilter(this);
 }
 
@@ -162,8 +161,7 @@ void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
     }
 }
 
-// Qt places a window in coordinates that it scales and rounds, by the screen on which its middle
-// is. The overlay's size does not depend on that screen: it could come to another one, and back.
+// Qt places a window in coordinates that it scales and rounds.
 void OverlayKeeper::coverDesktop()
 {
     const QSize size = m_desktop.coveringSize();
