@@ -101,5 +101,5 @@ void tst_PixelGrid::coordinatesUnderThePointerHaveItsPixel()
     }
 }
 
-QTEST_APPLESS_MAIN(tst_PixelGrid)
+QTEST_MAIN(tst_PixelGrid)
 #include "tst_PixelGrid.moc"

@@ -48,5 +48,5 @@ void tst_QtVersions::positionsAreThoseOfTheEvent()
     QCOMPARE(qtversions::posOnDesktop(event), onDesktop);
 }
 
-QTEST_APPLESS_MAIN(tst_QtVersions)
+QTEST_MAIN(tst_QtVersions)
 #include "tst_QtVersions.moc"
