@@ -41,7 +41,9 @@ QSize NativeDesktop::coveringSize() const
             overlay::coveringLength(root->height, ratios)};
 }
 
-QScreen* NativeDesktop::middleScreen() const
+// Qt takes a window to the screen that holds its middle, or else to the last one. Coming there from
+// another ratio, Qt 6 may leave it with a size of that ratio.
+const QScreen* NativeDesktop::middleScreen() const
 {
     const QPoint middle = QRect(QPoint(), coveringSize()).center();
     const auto screens = QGuiApplication::primaryScreen()->virtualSiblings();

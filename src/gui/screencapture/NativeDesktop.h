@@ -27,11 +27,7 @@ public:
     /// of them; invalid on other platforms.
     QSize coveringSize() const;
 
-    /// Returns the screen on which Qt takes such a window to be: the one that holds its middle, or
-    /// the last one.
-    QScreen* middleScreen() const;
-
-    /// Returns the geometry of such a window in coordinates of middleScreen().
+    /// Returns the geometry of such a window, in coordinates of the screen on which Qt finds it.
     QRect coveringGeometry() const;
 
     /// Returns where the top-left corner of `window` is.
@@ -44,6 +40,8 @@ public:
     QPoint pointerPos() const;
 
 private:
+    const QScreen* middleScreen() const;
+
     xcb_connection_t* m_connection = nullptr;
     xcb_window_t m_root = XCB_NONE;
 

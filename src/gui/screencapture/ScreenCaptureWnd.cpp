@@ -164,23 +164,11 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
         }
         // No window manager lets a window that it manages cover panels and every screen.
         setWindowFlag(Qt::X11BypassWindowManagerHint, full || m_wasUnmanaged);
-        if (full)
-            coverDesktop();
-        else
-            setGeometry(m_normalGeometry);
+        setGeometry(full ? m_nativeDesktop->coveringGeometry() : m_normalGeometry);
         m_fullDesktop = full;
     }
     show();
     activateWindow();
-}
-
-// Starting on the screen where Qt will find its middle, the window has one ratio from the first. On
-// the way from one ratio to another, Qt 6 may leave it with a size of the ratio before.
-void ScreenCaptureWnd::coverDesktop()
-{
-    create();
-    windowHandle()->setScreen(m_nativeDesktop->middleScreen());
-    setGeometry(m_nativeDesktop->coveringGeometry());
 }
 
 // The picture shows screens that are no longer where they were.

@@ -152,7 +152,6 @@ private:
     void deliverAndHide(const QImage& image, bool finished);
     void hideCanvas();
     DesktopPicture desktopPicture() const;
-    void coverDesktop();
     void cancelIfShown();
     void followPlace();
     void updateMagnifier(const QPointF& pos);
