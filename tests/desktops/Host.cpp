@@ -116,6 +116,9 @@ private:
         } else if (question == "be a window") {
             ScreenCaptureWnd::screenCaptureWnd()->showFullDesktop(false);
             say("done");
+        } else if (question == "be the overlay") {
+            ScreenCaptureWnd::screenCaptureWnd()->showFullDesktop(true);
+            say("done");
         } else {
             openDialog();
             say("opened");

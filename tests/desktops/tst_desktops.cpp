@@ -23,9 +23,23 @@ constexpr int kSizeLabelBand = 64;
 
 } // namespace
 
+void tst_desktops::overlayIsTheDimmedDesktop_data()
+{
+    QTest::addColumn<bool>("again");
+    QTest::newRow("from the first") << false;
+    QTest::newRow("after having been a window") << true;
+}
+
 void tst_desktops::overlayIsTheDimmedDesktop()
 {
+    QFETCH(bool, again);
     startCapture();
+    if (again) {
+        m_host->ask("be a window");
+        // Nobody else gives it back without a window manager.
+        m_server->setFocus(static_cast<xcb_window_t>(m_notes->winId()));
+        m_host->ask("be the overlay");
+    }
     checkOverlay();
     // It is made of whole coordinates, on whichever screen.
     const qreal largestRatio = m_host->largestRatio();

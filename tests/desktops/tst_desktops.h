@@ -9,6 +9,7 @@ class tst_desktops : public DesktopTest
     Q_OBJECT
 
 private slots:
+    void overlayIsTheDimmedDesktop_data();
     void overlayIsTheDimmedDesktop();
     void loupeShowsThePixelsAroundThePointer_data();
     void loupeShowsThePixelsAroundThePointer();

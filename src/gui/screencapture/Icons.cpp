@@ -8,6 +8,8 @@
 #include <QStyleOption>
 #include <QtMath>
 
+#include <set>
+
 namespace
 {
 
@@ -35,7 +37,7 @@ QIcon icon(const QString& name)
     QStyleOption option;
     option.palette = QPalette(Qt::white);
     QIcon result;
-    for (const qreal ratio : {1.0, qApp->devicePixelRatio()}) {
+    for (const qreal ratio : std::set<qreal>{1, qApp->devicePixelRatio()}) {
         const QPixmap enabled = pixmap(name, ratio);
         result.addPixmap(enabled);
         result.addPixmap(qApp->style()->generatedIconPixmap(QIcon::Disabled, enabled, &option),

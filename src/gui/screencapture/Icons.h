@@ -13,7 +13,7 @@ namespace icons
 /// An icon that covers as many physical pixels as `ratio` makes of its size.
 QPixmap pixmap(const QString& name, qreal ratio);
 
-/// An icon for a white bar, on a screen of any ratio and on the densest one. A style fades a
+/// An icon for a white bar, in its own size and in that of the densest screen. A style fades a
 /// disabled icon into the palette's window colour, which may be dark.
 QIcon icon(const QString& name);
 

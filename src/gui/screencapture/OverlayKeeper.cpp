@@ -6,7 +6,6 @@
 
 #include <QEvent>
 #include <QGuiApplication>
-#include <QScreen>
 #include <QSocketNotifier>
 #include <QWindow>
 
