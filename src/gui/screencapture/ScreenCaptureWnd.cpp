@@ -161,6 +161,8 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
         if (full) {
             m_normalGeometry = geometry();
             m_wasUnmanaged = windowFlags() & Qt::X11BypassWindowManagerHint;
+            // A window manager may keep hold of a window that it has managed until now.
+            destroy();
         }
         // No window manager lets a window that it manages cover panels and every screen.
         setWindowFlag(Qt::X11BypassWindowManagerHint, full || m_wasUnmanaged);
