@@ -63,8 +63,8 @@ template <typename Paint>
 void withDenseIcons(Paint paint)
 {
     const bool isAskedFor = QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps);
-    const auto restore = qScopeGuard(
-        [=] { QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, isAskedFor); });
+    const auto restore =
+        qScopeGuard([=] { QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, isAskedFor); });
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     paint();
 }
