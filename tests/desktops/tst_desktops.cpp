@@ -36,8 +36,6 @@ void tst_desktops::overlayIsTheDimmedDesktop()
     startCapture();
     if (again) {
         m_host->ask("be a window");
-        // Nobody else gives it back without a window manager.
-        m_server->setFocus(static_cast<xcb_window_t>(m_notes->winId()));
         m_host->ask("be the overlay");
     }
     checkOverlay();
@@ -49,6 +47,9 @@ void tst_desktops::overlayIsTheDimmedDesktop()
     QVERIFY(m_server->desktop().adjusted(0, 0, beyond, beyond).contains(overlay));
     keyToCapture("Escape");
     expectEnd("cancelled");
+    // The window has had the keyboard, and not every window manager gives it back.
+    if (again)
+        m_server->setFocus(static_cast<xcb_window_t>(m_notes->winId()));
 }
 
 void tst_desktops::loupeShowsThePixelsAroundThePointer_data()
