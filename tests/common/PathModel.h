@@ -182,7 +182,7 @@ inline void requireSameQueries(const myfs::path& path, const PathModel& model)
 /// Edits two paths as `choices` say, and requires that both follow their models.
 inline void requirePathsFollowTheirModels(Choices choices)
 {
-    constexpr int mostComponents = 100;
+    constexpr int mostLetters = 1000;
     constexpr std::size_t mostBytes = 20;
     ModelledPath paths[2];
     while (!choices.atEnd()) {
@@ -210,8 +210,8 @@ inline void requirePathsFollowTheirModels(Choices choices)
         default:
             edited.set(choices.text(mostBytes, "//\\\\..:ab\xE4\xB8\xAD"), choices.below(2) == 1);
         }
-        // Appending a path to itself would otherwise double it without end.
-        if (edited.model.components.size() > mostComponents)
+        // A path appended to itself, or as its own extension, would otherwise grow without end.
+        if (edited.model.text().size() > mostLetters)
             edited.clear();
         requireSameQueries(edited.path, edited.model);
         requireSameQueries(other.path, other.model);
