@@ -23,7 +23,7 @@ endif()
 
 set(Qt Qt${SCREENCAPTURE_QT})
 set(qt_minimum ${qt${SCREENCAPTURE_QT}_minimum})
-find_package(${Qt} ${qt_minimum} REQUIRED COMPONENTS Core Gui Widgets)
+find_package(${Qt} ${qt_minimum} REQUIRED COMPONENTS Core DBus Gui Widgets)
 find_package(${Qt}LinguistTools ${qt_minimum} QUIET)
 
 # What is installed has names of its own for each version, so that both can be installed side by side.

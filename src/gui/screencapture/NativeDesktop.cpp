@@ -26,6 +26,18 @@ NativeDesktop::~NativeDesktop()
         xcb_disconnect(m_connection);
 }
 
+// Old servers of this kind do not have the extension, but give their outputs such names.
+bool NativeDesktop::isWayland() const
+{
+    if (!m_root)
+        return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+    constexpr char kName[] = "XWAYLAND";
+    const auto extension = xcb::owned(xcb_query_extension_reply(
+        m_connection, xcb_query_extension(m_connection, sizeof kName - 1, kName), nullptr));
+    return (extension && extension->present) ||
+           QGuiApplication::primaryScreen()->name().startsWith(QLatin1String(kName));
+}
+
 QSize NativeDesktop::coveringSize() const
 {
     if (!m_root)

@@ -23,6 +23,10 @@ public:
     /// The window of which QScreen::grabWindow() grabs the whole desktop; 0 on other platforms.
     WId root() const { return m_root; }
 
+    /// Returns whether the screens belong to a Wayland compositor, on which the platform is
+    /// "wayland", or X11 that a server within the session (Xwayland) offers.
+    bool isWayland() const;
+
     /// Returns the size with which a window at (0, 0) covers all screens, in the coordinates of any
     /// of them; invalid on other platforms.
     QSize coveringSize() const;

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QImage>
+#include <QImageReader>
 #include <QLibraryInfo>
 #include <QMouseEvent>
 #include <QPointF>
@@ -32,6 +34,15 @@ inline QString translationsPath()
 {
     return QLibraryInfo::path(QLibraryInfo::TranslationsPath);
 }
+/// Qt 6 refuses pictures of more than 128 MiB, which desktops have.
+inline QImage readOfAnySize(QImageReader& reader)
+{
+    const int limit = QImageReader::allocationLimit();
+    QImageReader::setAllocationLimit(0);
+    const QImage image = reader.read();
+    QImageReader::setAllocationLimit(limit);
+    return image;
+}
 /// Paints icons in physical pixels.
 template <typename Paint>
 void withDenseIcons(Paint paint)
@@ -57,6 +68,10 @@ inline QPointF posOnDesktop(const QMouseEvent& event)
 inline QString translationsPath()
 {
     return QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+}
+inline QImage readOfAnySize(QImageReader& reader)
+{
+    return reader.read();
 }
 /// Paints icons in physical pixels, which Qt 5 leaves to the host to ask for.
 template <typename Paint>

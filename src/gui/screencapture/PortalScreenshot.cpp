@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "PortalScreenshot.h"
+
+#include "QtVersions.h"
+
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusPendingCall>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QScopeGuard>
+#include <QTimer>
+#include <QUrl>
+#include <QUuid>
+
+#include <limits>
+
+namespace
+{
+
+constexpr char kService[] = "org.freedesktop.portal.Desktop";
+constexpr char kDesktopPath[] = "/org/freedesktop/portal/desktop";
+constexpr char kScreenshot[] = "org.freedesktop.portal.Screenshot";
+constexpr char kRequest[] = "org.freedesktop.portal.Request";
+
+/// What a response of the portal says.
+enum Response : uint { Granted = 0, RefusedByUser = 1 };
+
+// Far more than all screens of a desktop: 1 GiB in memory.
+constexpr qint64 kLargestPictureBytes = qint64(1) << 30;
+constexpr int kBytesPerPixel = 4;
+
+// The portal makes the request's path of the caller's name and of the token, so that its signal can
+// be listened to before the request is made.
+QString requestPathFor(const QDBusConnection& bus, const QString& token)
+{
+    const QString sender = bus.baseService().mid(1).replace(QLatin1Char('.'), QLatin1Char('_'));
+    return QLatin1String(kDesktopPath) + QLatin1String("/request/") + sender + QLatin1Char('/') +
+           token;
+}
+
+bool isTooLarge(const QSize& size)
+{
+    return qint64(size.width()) * size.height() > kLargestPictureBytes / kBytesPerPixel;
+}
+
+// The portal leaves the file to the one that asked for it.
+QImage readAndRemove(const QString& fileName)
+{
+    const auto remove = qScopeGuard([&] { QFile::remove(fileName); });
+    if (!QFileInfo(fileName).isFile())
+        return {};
+    QImageReader reader(fileName);
+    return isTooLarge(reader.size()) ? QImage() : qtversions::readOfAnySize(reader);
+}
+
+} // namespace
+
+// A connection of its own, so that a bus that has been started anew is found.
+PortalScreenshot::PortalScreenshot(QObject* parent)
+    : QObject(parent)
+    , m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus,
+                                          QUuid::createUuid().toString()))
+{
+}
+
+PortalScreenshot::~PortalScreenshot()
+{
+    if (!m_finished && !m_requestPath.isEmpty())
+        m_bus.send(QDBusMessage::createMethodCall(QLatin1String(kService), m_requestPath,
+                                                  QLatin1String(kRequest),
+                                                  QStringLiteral("Close")));
+    QDBusConnection::disconnectFromBus(m_bus.name());
+}
+
+void PortalScreenshot::request()
+{
+    if (!m_bus.isConnected()) {
+        QTimer::singleShot(0, this, [this] { fail(tr("There is no session bus.")); });
+        return;
+    }
+    auto* watcher = new QDBusServiceWatcher(QLatin1String(kService), m_bus,
+                                            QDBusServiceWatcher::WatchForUnregistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, &PortalScreenshot::onGone);
+    m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                  this, SLOT(onGone()));
+    const QString token =
+        QLatin1String("screencapture_") + QUuid::createUuid().toString(QUuid::Id128);
+    listenTo(requestPathFor(m_bus, token));
+
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(QLatin1String(kService), QLatin1String(kDesktopPath),
+                                       QLatin1String(kScreenshot), QStringLiteral("Screenshot"));
+    call << QString()
+         << QVariantMap{{QStringLiteral("handle_token"), token},
+                        {QStringLiteral("interactive"), false}};
+    // The desktop may ask the user before it answers.
+    constexpr int kNoTimeout = std::numeric_limits<int>::max();
+    auto* pending = new QDBusPendingCallWatcher(m_bus.asyncCall(call, kNoTimeout), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this, &PortalScreenshot::onReply);
+}
+
+// Old portals choose another path.
+void PortalScreenshot::onReply(QDBusPendingCallWatcher* call)
+{
+    const QDBusPendingReply<QDBusObjectPath> reply = *call;
+    call->deleteLater();
+    if (reply.isError())
+        fail(tr("The desktop's portal takes no screenshots: %1").arg(reply.error().message()));
+    else
+        listenTo(reply.value().path());
+}
+
+void PortalScreenshot::listenTo(const QString& requestPath)
+{
+    if (requestPath == m_requestPath)
+        return;
+    m_requestPath = requestPath;
+    m_bus.connect(QLatin1String(kService), requestPath, QLatin1String(kRequest),
+                  QStringLiteral("Response"), this, SLOT(onResponse(uint, QVariantMap)));
+}
+
+void PortalScreenshot::onResponse(uint code, const QVariantMap& results)
+{
+    const QString fileName = QUrl(results.value(QStringLiteral("uri")).toString()).toLocalFile();
+    const QImage image = fileName.isEmpty() ? QImage() : readAndRemove(fileName);
+    if (code == RefusedByUser)
+        fail(tr("The screenshot was not permitted."));
+    else if (code != Granted)
+        fail(tr("The desktop's portal could not take the screenshot."));
+    else if (image.isNull())
+        fail(tr("The desktop's portal gave no picture."));
+    else
+        finish(image, QString());
+}
+
+void PortalScreenshot::onGone()
+{
+    fail(tr("The desktop's portal has gone away."));
+}
+
+void PortalScreenshot::fail(const QString& failure)
+{
+    finish(QImage(), failure);
+}
+
+void PortalScreenshot::finish(const QImage& image, const QString& failure)
+{
+    if (!qExchange(m_finished, true))
+        emit finished(image, failure);
+}

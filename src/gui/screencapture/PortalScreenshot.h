@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDBusConnection>
+#include <QImage>
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+
+class QDBusPendingCallWatcher;
+
+/// A picture of all screens from the desktop's portal (org.freedesktop.portal.Screenshot on the
+/// session bus): in a Wayland session no program can grab the screens itself.
+///
+/// The desktop may ask the user for permission first, and waits for the answer as long as the user
+/// likes. A portal that is absent, refuses or goes away is told as a failure. Destroying the object
+/// withdraws the request. GUI thread only.
+class PortalScreenshot : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PortalScreenshot(QObject* parent = nullptr);
+    ~PortalScreenshot() override;
+
+    /// Asks for the picture; once for each object.
+    void request();
+
+Q_SIGNALS:
+    /// Emitted once, after request() has returned. Where there is no picture, `image` is null and
+    /// `failure` says why, for the user to read.
+    void finished(const QImage& image, const QString& failure);
+
+private Q_SLOTS:
+    void onResponse(uint code, const QVariantMap& results);
+    void onGone();
+
+private:
+    void onReply(QDBusPendingCallWatcher* call);
+    void listenTo(const QString& requestPath);
+    void fail(const QString& failure);
+    void finish(const QImage& image, const QString& failure);
+
+    QDBusConnection m_bus;
+    QString m_requestPath;
+    bool m_finished = false;
+
+    Q_DISABLE_COPY(PortalScreenshot)
+};
