@@ -17,8 +17,7 @@ template <typename Draw>
 void inPixels(QPainter& painter, const DesktopPicture& desktop, Draw draw)
 {
     painter.save();
-    const qreal scale = painter.deviceTransform().m11();
-    painter.scale(1 / scale, 1 / scale);
+    painter.scale(1 / desktop.ratio, 1 / desktop.ratio);
     painter.translate(-desktop.windowPos);
     draw();
     painter.restore();

@@ -6,12 +6,25 @@
 #include <QMouseEvent>
 #include <QPoint>
 #include <QRect>
+#include <QVariant>
+#include <QWidget>
 #include <QtMath>
 
 /// The physical pixels under rectangles in widget coordinates, of which each is `ratio` pixels wide
 /// and high. At a ratio of 1 every rectangle stays as it is.
 namespace pixels
 {
+
+/// The property of a window whose picture has another ratio than the window itself.
+constexpr char kPictureRatio[] = "pictureRatio";
+
+/// How many pixels of the picture that a window shows are in each coordinate of it and of its
+/// children.
+inline qreal ratioOf(const QWidget& widget)
+{
+    const QVariant ratio = widget.window()->property(kPictureRatio);
+    return ratio.isValid() ? ratio.toReal() : widget.devicePixelRatioF();
+}
 
 /// The edge between two physical pixels that is nearest to an edge in widget coordinates.
 inline int nearestEdge(qreal edge, qreal ratio)
@@ -41,8 +54,9 @@ inline QRect outward(const QRect& rect, qreal ratio)
 
 /// The widget's coordinates of which nearest() makes pixels that hold the one under the pointer.
 /// QMouseEvent::pos() is rounded to other ones, which may even lie beyond the widget.
-inline QPoint coordinatesUnder(const QMouseEvent& event, qreal ratio)
+inline QPoint coordinatesUnder(const QMouseEvent& event, const QWidget& widget)
 {
+    const qreal ratio = ratioOf(widget);
     // Just short of the pixel's centre: an edge there is rounded to the next pixel.
     constexpr qreal centre = 0.499;
     const QPointF inWindow = qtversions::posInWindow(event);

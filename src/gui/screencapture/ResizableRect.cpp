@@ -136,7 +136,7 @@ void drawCondensed(QPainter& painter, const QRect& area, const QString& text)
 // Scaled lines lie half outside of their coordinates.
 QRect painted(const QWidget& widget, const QRect& occupied)
 {
-    const int beyond = widget.devicePixelRatioF() == 1 ? 0 : 1;
+    const int beyond = pixels::ratioOf(widget) == 1 ? 0 : 1;
     return occupied.adjusted(-beyond, -beyond, beyond, beyond);
 }
 
@@ -397,7 +397,7 @@ void ResizableRect::mousePressEventFilter(QMouseEvent* event)
     Q_ASSERT(event != NULL);
     if (event->button() != Qt::LeftButton)
         return;
-    const QPoint pos = pixels::coordinatesUnder(*event, m_widget->devicePixelRatioF());
+    const QPoint pos = pixels::coordinatesUnder(*event, *m_widget);
     m_pressSection = wherePoint(pos);
     m_pressOffset = pos - rect().topLeft();
 }
@@ -418,7 +418,7 @@ void ResizableRect::mouseMoveEventFilter(QMouseEvent* event)
 {
     Q_ASSERT(event != NULL);
     Q_ASSERT(m_widget != NULL);
-    const QPoint pos = pixels::coordinatesUnder(*event, m_widget->devicePixelRatioF());
+    const QPoint pos = pixels::coordinatesUnder(*event, *m_widget);
     if (!(event->buttons() & Qt::LeftButton))
         showCursorFor(wherePoint(pos));
     else if (m_pressSection != SECTION_OUTSIDE)

@@ -2,10 +2,12 @@
 #include "ScreenCaptureWnd.h"
 
 #include "DesktopPicture.h"
+#include "DesktopSource.h"
 #include "Icons.h"
 #include "MagnifierWidget.h"
 #include "MosaicPixels.h"
 #include "NativeDesktop.h"
+#include "OutputViews.h"
 #include "OverlayGeometry.h"
 #include "OverlayKeeper.h"
 #include "OverlayPainting.h"
@@ -27,6 +29,7 @@
 #include <QScopeGuard>
 #include <QScreen>
 #include <QShowEvent>
+#include <QTimer>
 #include <QWindow>
 
 namespace
@@ -39,16 +42,6 @@ constexpr int kRubberBandShowsFromPx = 3;
 QImage in8BitsPerChannel(const QImage& image)
 {
     return mosaic::holdsQRgb(image) ? image : image.convertToFormat(QImage::Format_RGB32);
-}
-
-// The physical pixels of all screens: on X11 these are one space, whatever the ratio of each.
-QImage grabbedDesktop(WId root)
-{
-    QScreen* screen = QGuiApplication::primaryScreen();
-    const QSize size = root ? QSize(-1, -1) : screen->virtualSize();
-    QPixmap grabbed = screen->grabWindow(root, 0, 0, size.width(), size.height());
-    grabbed.setDevicePixelRatio(1);
-    return in8BitsPerChannel(grabbed.toImage());
 }
 
 ResizableRect* createCaptureRect(QWidget* window)
@@ -86,15 +79,28 @@ QString askForFileName(QWidget* parent)
 } // namespace
 
 ScreenCaptureWnd* ScreenCaptureWnd::s_screenCaptureWnd = nullptr;
+QString ScreenCaptureWnd::s_failure;
 
 ScreenCaptureWnd* ScreenCaptureWnd::screenCaptureWnd()
 {
     if (!s_screenCaptureWnd)
-        s_screenCaptureWnd = new ScreenCaptureWnd;
+        s_screenCaptureWnd = new ScreenCaptureWnd(nullptr);
     return s_screenCaptureWnd;
 }
 
-ScreenCaptureWnd::ScreenCaptureWnd()
+ScreenCaptureWnd* ScreenCaptureWnd::captureOf(const QImage& picture)
+{
+    if (!s_screenCaptureWnd)
+        s_screenCaptureWnd = new ScreenCaptureWnd(&picture);
+    return s_screenCaptureWnd;
+}
+
+QString ScreenCaptureWnd::failure()
+{
+    return s_failure;
+}
+
+ScreenCaptureWnd::ScreenCaptureWnd(const QImage* given)
     : QDialog(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
 {
     setObjectName(QStringLiteral("ScreenCaptureWnd"));
@@ -110,7 +116,7 @@ ScreenCaptureWnd::ScreenCaptureWnd()
     connect(qApp, &QGuiApplication::screenRemoved, this, &ScreenCaptureWnd::cancelIfShown);
     for (const QScreen* screen : QGuiApplication::screens())
         connect(screen, &QScreen::geometryChanged, this, &ScreenCaptureWnd::cancelIfShown);
-    init();
+    init(given);
 }
 
 ScreenCaptureWnd::~ScreenCaptureWnd()
@@ -122,26 +128,55 @@ ScreenCaptureWnd::~ScreenCaptureWnd()
         dialog->reject();
     }
     delete m_keeper;
+    delete m_views;
     delete m_nativeDesktop;
     delete m_desktopImage;
 }
 
-void ScreenCaptureWnd::init()
+void ScreenCaptureWnd::init(const QImage* given)
 {
     // In a static library, the linker drops the icons unless something refers to them.
     Q_INIT_RESOURCE(scribble);
     setCursor(QCursor(icons::pixmap("cursor", devicePixelRatioF()), 0, 0));
-    // The only grab of a capture: region, loupe and dimmed surround are all cut from this picture.
     m_nativeDesktop = new NativeDesktop;
-    m_desktopImage = new QImage(grabbedDesktop(m_nativeDesktop->root()));
-    m_dimmedImage = overlay::dimmed(*m_desktopImage);
+    m_desktopImage = new QImage;
     m_rectCapture = createCaptureRect(this);
     m_magnifier = createMagnifier(this);
-    updateMagnifierAtCursor();
+    takeDesktop(given);
     connect(m_rectCapture, SIGNAL(rectChanged(const QRect&)), this,
             SLOT(onCaptureRectChanged(const QRect&)));
     m_grabWindowRect = makeGrabWholeWindowRect(QCursor::pos());
     initToolBars();
+}
+
+// The only picture of a capture: region, loupe and dimmed surround are all cut from it.
+void ScreenCaptureWnd::takeDesktop(const QImage* given)
+{
+    if (given) {
+        setProperty(pixels::kPictureRatio, given->devicePixelRatio());
+        onDesktopTaken(*given, given->isNull() ? tr("There is no picture.") : QString());
+        return;
+    }
+    m_source = new DesktopSource(this);
+    connect(m_source, &DesktopSource::taken, this, &ScreenCaptureWnd::onDesktopTaken);
+    m_source->take(*m_nativeDesktop);
+}
+
+void ScreenCaptureWnd::onDesktopTaken(const QImage& picture, const QString& failure)
+{
+    if (m_source)
+        qExchange(m_source, nullptr)->deleteLater();
+    s_failure = failure;
+    // The portal gives all pixels of the densest screen, on X11 too.
+    if (m_nativeDesktop->isWayland() && !property(pixels::kPictureRatio).isValid())
+        setProperty(pixels::kPictureRatio,
+                    qreal(picture.width()) / m_nativeDesktop->coveringGeometry().width());
+    *m_desktopImage = in8BitsPerChannel(picture);
+    m_desktopImage->setDevicePixelRatio(1);
+    m_dimmedImage = overlay::dimmed(*m_desktopImage);
+    updateMagnifierAtCursor();
+    if (m_shown)
+        showFullDesktop(*m_shown);
 }
 
 void ScreenCaptureWnd::connectTo(QObject* receiver, const char* member)
@@ -157,6 +192,13 @@ void ScreenCaptureWnd::connectTo(QObject* receiver, const char* member)
 
 void ScreenCaptureWnd::showFullDesktop(bool full)
 {
+    m_shown = full;
+    if (m_source)
+        return;
+    if (m_desktopImage->isNull() && m_nativeDesktop->isWayland()) {
+        QTimer::singleShot(0, this, &ScreenCaptureWnd::reject);
+        return;
+    }
     if (full != m_fullDesktop) {
         if (full) {
             m_normalGeometry = geometry();
@@ -166,7 +208,11 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
         }
         // No window manager lets a window that it manages cover panels and every screen.
         setWindowFlag(Qt::X11BypassWindowManagerHint, full || m_wasUnmanaged);
-        setGeometry(full ? m_nativeDesktop->coveringGeometry() : m_normalGeometry);
+        delete qExchange(m_views, nullptr);
+        if (full && m_nativeDesktop->isWayland() && !m_nativeDesktop->root())
+            m_views = new OutputViews(this);
+        else
+            setGeometry(full ? m_nativeDesktop->coveringGeometry() : m_normalGeometry);
         m_fullDesktop = full;
     }
     show();
@@ -188,8 +234,15 @@ QImage ScreenCaptureWnd::captureImage() const
 // A window manager may have put the window elsewhere than asked.
 DesktopPicture ScreenCaptureWnd::desktopPicture() const
 {
-    return {*m_desktopImage, m_dimmedImage, m_nativeDesktop->posOf(*this),
-            screen()->devicePixelRatio()};
+    const QPoint pos = m_views ? QPoint() : m_nativeDesktop->posOf(*this);
+    return {*m_desktopImage, m_dimmedImage, (QPointF(pos) * density()).toPoint(),
+            pixels::ratioOf(*this)};
+}
+
+// How many pixels of the picture are in each of the X server's.
+qreal ScreenCaptureWnd::density() const
+{
+    return pixels::ratioOf(*this) / devicePixelRatioF();
 }
 
 // After a reset the canvas holds nothing of the region that stands now.
@@ -318,10 +371,11 @@ void ScreenCaptureWnd::showEvent(QShowEvent* event)
 {
     if (!event->spontaneous()) {
         m_ended = false;
-        if (m_fullDesktop)
+        if (m_fullDesktop && !m_views)
             m_keeper = new OverlayKeeper(windowHandle(), *m_nativeDesktop);
-        connect(windowHandle(), &QWindow::screenChanged, this, &ScreenCaptureWnd::followPlace,
-                Qt::UniqueConnection);
+        if (!m_views)
+            connect(windowHandle(), &QWindow::screenChanged, this, &ScreenCaptureWnd::followPlace,
+                    Qt::UniqueConnection);
     }
     QDialog::showEvent(event);
 }
@@ -383,7 +437,7 @@ void ScreenCaptureWnd::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
     if (m_state == StateIdle) {
-        startSelection(pixels::coordinatesUnder(*event, devicePixelRatioF()));
+        startSelection(pixels::coordinatesUnder(*event, *this));
     } else if (m_state == StateSelected) {
         updateMagnifier(qtversions::posInWindow(*event));
         m_magnifier->setVisible(draggedSection() >= ResizableRect::SECTION_LEFT);
@@ -401,7 +455,7 @@ void ScreenCaptureWnd::mouseMoveEvent(QMouseEvent* event)
 {
     const bool leftHeld = event->buttons() & Qt::LeftButton;
     if (leftHeld && m_state == StateSelecting)
-        dragSelection(pixels::coordinatesUnder(*event, devicePixelRatioF()));
+        dragSelection(pixels::coordinatesUnder(*event, *this));
     if (!leftHeld)
         updateGrabWindowRect(qtversions::posOnDesktop(*event).toPoint());
     if (m_magnifier->isVisible())
@@ -428,7 +482,7 @@ void ScreenCaptureWnd::mouseReleaseEvent(QMouseEvent* event)
             endSelection();
         m_magnifier->hide();
     } else if (event->button() == Qt::RightButton) {
-        releaseRightButton(pixels::coordinatesUnder(*event, devicePixelRatioF()));
+        releaseRightButton(pixels::coordinatesUnder(*event, *this));
     }
 }
 
@@ -477,8 +531,11 @@ int ScreenCaptureWnd::draggedSection() const
 
 void ScreenCaptureWnd::updateMagnifierAtCursor()
 {
-    const DesktopPicture desktop = desktopPicture();
-    updateMagnifier(QPointF(m_nativeDesktop->pointerPos() - desktop.windowPos) / desktop.ratio);
+    if (m_views)
+        updateMagnifier(OutputViews::cursorPos());
+    else
+        updateMagnifier(QPointF(m_nativeDesktop->pointerPos() - m_nativeDesktop->posOf(*this)) /
+                        devicePixelRatioF());
 }
 
 // Intended: a hook for picking the window under the cursor, which never finds one.
@@ -511,10 +568,13 @@ QRect ScreenCaptureWnd::screenAt(const QPoint& p) const
     // A drag asks at every move.
     if (screens.size() < 2)
         return rect();
+    if (m_views)
+        return overlay::nearestScreen(p, OutputViews::outputs());
     const DesktopPicture desktop = desktopPicture();
     QVector<QRect> areas;
     for (const QScreen* screen : screens) {
-        const QRect covered = desktop.windowRect(NativeDesktop::pixelsOf(*screen)) & rect();
+        const QRect area = pixels::nearest(NativeDesktop::pixelsOf(*screen), density());
+        const QRect covered = desktop.windowRect(area) & rect();
         if (!covered.isEmpty())
             areas << covered;
     }

@@ -10,9 +10,13 @@
 #include <QPointer>
 #include <QRect>
 
+#include <optional>
+
 class ColorWidget;
 class MagnifierWidget;
+class DesktopSource;
 class NativeDesktop;
+class OutputViews;
 class OverlayKeeper;
 class PenWidthWidget;
 class QAbstractButton;
@@ -54,6 +58,15 @@ public:
     /// given to connectTo() has run; until then this function returns that window. Ask for the next
     /// capture from a zero timer rather than from that slot.
     static ScreenCaptureWnd* screenCaptureWnd();
+
+    /// The same for a picture that the host has already, of which each coordinate of the window
+    /// shows as many pixels as its ratio says. Returns the window of the running capture, with its
+    /// own picture, if there is one.
+    static ScreenCaptureWnd* captureOf(const QImage& picture);
+
+    /// Returns why the last capture had no picture of the desktop, for the user to read; empty
+    /// where it had one.
+    static QString failure();
 
     ~ScreenCaptureWnd() override;
 
@@ -141,9 +154,11 @@ private:
     /// Tests see the private side through this.
     friend struct ScreenCaptureWndAccess;
 
-    ScreenCaptureWnd();
+    explicit ScreenCaptureWnd(const QImage* given);
 
-    void init();
+    void init(const QImage* given);
+    void takeDesktop(const QImage* given);
+    void onDesktopTaken(const QImage& picture, const QString& failure);
     void initToolBars();
     void initSubToolBar();
     void initScribbleArea();
@@ -152,6 +167,7 @@ private:
     void deliverAndHide(const QImage& image, bool finished);
     void hideCanvas();
     DesktopPicture desktopPicture() const;
+    qreal density() const;
     void cancelIfShown();
     void followPlace();
     void updateMagnifier(const QPointF& pos);
@@ -178,6 +194,7 @@ private:
     void releaseRightButton(const QPoint& pos);
 
     static ScreenCaptureWnd* s_screenCaptureWnd;
+    static QString s_failure;
 
     QPointer<QObject> m_receiver;
     const char* m_member = nullptr;
@@ -208,6 +225,10 @@ private:
     MagnifierWidget* m_magnifier = nullptr;
     bool m_fullDesktop = false;
     OverlayKeeper* m_keeper = nullptr;
+    OutputViews* m_views = nullptr;
+    DesktopSource* m_source = nullptr;
+    /// What showFullDesktop() was called with while the picture was awaited.
+    std::optional<bool> m_shown;
     QRect m_normalGeometry;
     bool m_wasUnmanaged = false;
     bool m_ended = false;

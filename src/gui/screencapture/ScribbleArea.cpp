@@ -257,7 +257,7 @@ QPen ScribbleArea::mosaicPen() const
 
 void ScribbleArea::mousePressEvent(QMouseEvent* event)
 {
-    const QPoint pos = pixels::coordinatesUnder(*event, devicePixelRatioF());
+    const QPoint pos = pixels::coordinatesUnder(*event, *this);
     if (m_resizableRect->isVisible() && !m_resizableRect->contains(pos))
         finishResizableRect();
     if (event->button() != Qt::LeftButton)
@@ -291,7 +291,7 @@ void ScribbleArea::mouseMoveEvent(QMouseEvent* event)
 {
     if (!(event->buttons() & Qt::LeftButton))
         return;
-    const QPoint pos = pixels::coordinatesUnder(*event, devicePixelRatioF());
+    const QPoint pos = pixels::coordinatesUnder(*event, *this);
     if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
         drawLineTo(pos);
     } else if (m_paintType == PAINT_MOSAIC && m_mosaicking) {
@@ -324,7 +324,7 @@ void ScribbleArea::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    const QPoint pos = pixels::coordinatesUnder(*event, devicePixelRatioF());
+    const QPoint pos = pixels::coordinatesUnder(*event, *this);
     if (m_paintType == PAINT_SCRIBBLE && m_scribbling) {
         // Intended: m_scribbling stays set.
         drawLineTo(pos);
@@ -511,8 +511,8 @@ void ScribbleArea::startText()
     ensureTextEdit();
     placeTextEdit();
     m_textEdit->setText(QString());
-    m_textEdit->setFocus();
     m_textEdit->show();
+    m_textEdit->setFocus();
 }
 
 void ScribbleArea::setTextFontSize(int size)

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "OutputViews.h"
+
+#include "OverlayGeometry.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QGraphicsProxyWidget>
+#include <QGraphicsView>
+#include <QInputMethod>
+#include <QScreen>
+#include <QTransform>
+#include <QWindow>
+
+namespace
+{
+
+/// The part of the scene that one output shows.
+class OutputView : public QGraphicsView
+{
+public:
+    OutputView(QGraphicsScene* scene, QWidget* window, QScreen* screen, const QRect& part)
+        : QGraphicsView(scene)
+        , m_window(window)
+    {
+        setWindowFlag(Qt::FramelessWindowHint);
+        setFrameShape(NoFrame);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        setBackgroundBrush(Qt::black);
+        setSceneRect(part);
+        setGeometry(screen->geometry());
+        create();
+        windowHandle()->setScreen(screen);
+        showFullScreen();
+    }
+
+protected:
+    // No item has the focus after a dialog in the scene has closed.
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (!scene()->focusItem() && m_window)
+            m_window->graphicsProxyWidget()->setFocus();
+        QGraphicsView::keyPressEvent(event);
+    }
+
+    // The view's answer has the offset of the focused widget already, which Qt would add again.
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override
+    {
+        QGuiApplication::inputMethod()->setInputItemTransform(QTransform());
+        return QGraphicsView::inputMethodQuery(query);
+    }
+
+    void closeEvent(QCloseEvent* event) override
+    {
+        QGraphicsView::closeEvent(event);
+        if (m_window)
+            m_window->close();
+    }
+
+private:
+    QPointer<QWidget> m_window;
+};
+
+} // namespace
+
+OutputViews::OutputViews(QWidget* window)
+    : m_window(window)
+{
+    const QRect all = QGuiApplication::primaryScreen()->virtualGeometry();
+    m_scene.setSceneRect(QRect(QPoint(), all.size()));
+    window->setGeometry(m_scene.sceneRect().toRect());
+    m_proxy = m_scene.addWidget(window);
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    for (QScreen* screen : screens)
+        m_views.push_back(std::make_unique<OutputView>(
+            &m_scene, window, screen, screen->geometry().translated(-all.topLeft())));
+    m_scene.setActiveWindow(m_proxy);
+    window->show();
+    window->setFocus();
+    qApp->installEventFilter(this);
+}
+
+OutputViews::~OutputViews()
+{
+    m_views.clear();
+    if (m_proxy)
+        m_proxy->setWidget(nullptr);
+}
+
+QVector<QRect> OutputViews::outputs()
+{
+    QVector<QRect> outputs;
+    for (const QScreen* screen : QGuiApplication::screens())
+        outputs << screen->geometry().translated(-screen->virtualGeometry().topLeft());
+    return outputs;
+}
+
+QPoint OutputViews::cursorPos()
+{
+    return QCursor::pos() - QGuiApplication::primaryScreen()->virtualGeometry().topLeft();
+}
+
+bool OutputViews::isInScene(const QWidget* window) const
+{
+    return window != m_window && window->isWindow() && m_window && m_window->isAncestorOf(window);
+}
+
+// Qt bounds what the window opens by no output, and shows a file dialog outside of the scene.
+bool OutputViews::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* opened = qobject_cast<QWidget*>(watched);
+    if (event->type() == QEvent::Show && opened && isInScene(opened)) {
+        opened->setAttribute(Qt::WA_DontShowOnScreen);
+        const QRect place = opened->geometry();
+        opened->move(overlay::posWithin(overlay::nearestScreen(place.center(), outputs()), place));
+    }
+    return QObject::eventFilter(watched, event);
+}

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QGraphicsScene>
+#include <QObject>
+#include <QPointer>
+#include <QRect>
+#include <QVector>
+
+#include <memory>
+#include <vector>
+
+class QGraphicsProxyWidget;
+class QGraphicsView;
+class QWidget;
+
+/// Shows one window on every output of a Wayland session until it is destroyed.
+///
+/// No surface of a Wayland client spans outputs, and none can place itself. So the window is part
+/// of a scene, of which each output shows its part full-screen, at its own scale. What the window
+/// opens, lists of combo boxes and dialogs, becomes part of the scene, too.
+///
+/// GUI thread only.
+class OutputViews : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Gives `window`, which is hidden, the size of all outputs together, and shows it. The window
+    /// is not owned.
+    explicit OutputViews(QWidget* window);
+    ~OutputViews() override;
+
+    /// Returns what each output shows, in coordinates of the window.
+    static QVector<QRect> outputs();
+
+    /// Returns where the pointer is, in coordinates of the window.
+    static QPoint cursorPos();
+
+    /// \cond
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    /// \endcond
+
+private:
+    bool isInScene(const QWidget* window) const;
+
+    QPointer<QWidget> m_window;
+    QGraphicsScene m_scene;
+    QPointer<QGraphicsProxyWidget> m_proxy;
+    std::vector<std::unique_ptr<QGraphicsView>> m_views;
+
+    Q_DISABLE_COPY(OutputViews)
+};
