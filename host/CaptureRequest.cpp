@@ -30,6 +30,8 @@ void CaptureRequest::onCaptureFinished(const QImage& picture, bool finished)
     m_running = false;
     if (finished && !picture.isNull())
         emit captured(picture);
+    else if (!ScreenCaptureWnd::failure().isEmpty())
+        emit failed(ScreenCaptureWnd::failure());
     else
         emit cancelled();
 }

@@ -3,6 +3,7 @@
 
 #include <QImage>
 #include <QObject>
+#include <QString>
 
 /// Asks the library for one capture at a time and reports how it ended. This is all that an
 /// application needs to write around the library.
@@ -22,6 +23,8 @@ signals:
     void captured(const QImage& picture);
     /// The user cancelled, or finished without a region.
     void cancelled();
+    /// There was no picture of the desktop, for a reason that the user can read.
+    void failed(const QString& reason);
 
 private slots:
     void showCapture();

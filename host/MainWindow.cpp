@@ -46,6 +46,10 @@ MainWindow::MainWindow(int delayMs)
 
     connect(&m_request, &CaptureRequest::captured, this, &MainWindow::showResult);
     connect(&m_request, &CaptureRequest::cancelled, this, &MainWindow::comeBack);
+    connect(&m_request, &CaptureRequest::failed, this, [this](const QString& reason) {
+        comeBack();
+        statusBar()->showMessage(reason);
+    });
 }
 
 QPushButton* MainWindow::addButton(const QString& text, void (MainWindow::*slot)())

@@ -15,6 +15,10 @@ OneCapture::OneCapture(CommandLine commandLine)
     connect(&m_request, &CaptureRequest::captured, this, &OneCapture::onCaptured);
     connect(&m_request, &CaptureRequest::cancelled, this,
             [] { QCoreApplication::exit(Cancelled); });
+    connect(&m_request, &CaptureRequest::failed, this, [](const QString& reason) {
+        QTextStream(stderr) << "capture-host: " << reason << '\n';
+        QCoreApplication::exit(Failed);
+    });
 }
 
 void OneCapture::start()

@@ -79,6 +79,10 @@ int main(int argc, char** argv)
 
     // Nothing here draws with OpenGL, whose libraries take longer to load than all others.
     QCoreApplication::setAttribute(Qt::AA_ForceRasterWidgets);
+    // Qt 5 tries X11 alone in some Wayland sessions.
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+        !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "wayland");
     const QtMessageHandler handler = qInstallMessageHandler(refuseWithoutDisplay);
     QApplication app(argc, argv);
     qInstallMessageHandler(handler);
