@@ -10,6 +10,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 namespace
@@ -70,6 +71,8 @@ OverlayKeeper::OverlayKeeper(QWindow* overlay, const NativeDesktop& desktop)
         return;
     const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &mask);
+    if (desktop.isWayland())
+        askForKeyboard();
     // Comes back once the server has set the mask, so that the overlay does not appear unnoticed.
     m_formerFocus = focus();
 
@@ -160,6 +163,22 @@ void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
     }
 }
 
+// A Wayland compositor gives the keyboard to unmanaged windows when they appear, but not to those of
+// the type that Qt::Tool has.
+void OverlayKeeper::askForKeyboard()
+{
+    const xcb_atom_t type = atom("_NET_WM_WINDOW_TYPE_DIALOG");
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, overlay(), atom("_NET_WM_WINDOW_TYPE"),
+                        XCB_ATOM_ATOM, 32, 1, &type);
+}
+
+xcb_atom_t OverlayKeeper::atom(const char* name) const
+{
+    const auto reply = xcb::owned(xcb_intern_atom_reply(
+        m_connection, xcb_intern_atom(m_connection, 0, quint16(std::strlen(name)), name), nullptr));
+    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+}
+
 // Qt places a window in coordinates that it scales and rounds.
 void OverlayKeeper::coverDesktop()
 {
@@ -228,6 +247,11 @@ xcb_window_t OverlayKeeper::focus() const
 // If the process is killed, keys go to the window under the pointer.
 void OverlayKeeper::giveFocus(xcb_window_t id)
 {
+    if (m_desktop.isWayland()) {
+        if (QWindow* window = ownWindow(id))
+            window->setKeyboardGrabEnabled(true);
+        return;
+    }
     xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_POINTER_ROOT, id, XCB_CURRENT_TIME);
     xcb_flush(m_connection);
 }

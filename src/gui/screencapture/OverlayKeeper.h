@@ -41,6 +41,8 @@ private:
     void handle(const xcb_generic_event_t& event);
     void windowAppeared(const xcb_map_notify_event_t& event);
     void windowMoved(const xcb_configure_notify_event_t& event);
+    void askForKeyboard();
+    xcb_atom_t atom(const char* name) const;
     void coverDesktop();
     void keepAbove(xcb_window_t managed);
     void keepKeyboard();
