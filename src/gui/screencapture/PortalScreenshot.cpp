@@ -33,6 +33,17 @@ enum Response : uint { Granted = 0, RefusedByUser = 1 };
 constexpr qint64 kLargestPictureBytes = qint64(1) << 30;
 constexpr int kBytesPerPixel = 4;
 
+// Qt's own connection would stay lost with a bus that has been started anew. This one stays open as
+// well: Qt deletes a call twice where it closes a connection before the reply.
+QDBusConnection sessionBus()
+{
+    const QString name = QStringLiteral("screencapture");
+    if (QDBusConnection(name).isConnected())
+        return QDBusConnection(name);
+    QDBusConnection::disconnectFromBus(name);
+    return QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+}
+
 // The portal makes the request's path of the caller's name and of the token, so that its signal can
 // be listened to before the request is made.
 QString requestPathFor(const QDBusConnection& bus, const QString& token)
@@ -50,20 +61,18 @@ bool isTooLarge(const QSize& size)
 // The portal leaves the file to the one that asked for it.
 QImage readAndRemove(const QString& fileName)
 {
-    const auto remove = qScopeGuard([&] { QFile::remove(fileName); });
     if (!QFileInfo(fileName).isFile())
         return {};
+    const auto remove = qScopeGuard([&] { QFile::remove(fileName); });
     QImageReader reader(fileName);
     return isTooLarge(reader.size()) ? QImage() : qtversions::readOfAnySize(reader);
 }
 
 } // namespace
 
-// A connection of its own, so that a bus that has been started anew is found.
 PortalScreenshot::PortalScreenshot(QObject* parent)
     : QObject(parent)
-    , m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus,
-                                          QUuid::createUuid().toString()))
+    , m_bus(sessionBus())
 {
 }
 
@@ -73,7 +82,6 @@ PortalScreenshot::~PortalScreenshot()
         m_bus.send(QDBusMessage::createMethodCall(QLatin1String(kService), m_requestPath,
                                                   QLatin1String(kRequest),
                                                   QStringLiteral("Close")));
-    QDBusConnection::disconnectFromBus(m_bus.name());
 }
 
 void PortalScreenshot::request()
@@ -83,8 +91,12 @@ void PortalScreenshot::request()
         return;
     }
     auto* watcher = new QDBusServiceWatcher(QLatin1String(kService), m_bus,
-                                            QDBusServiceWatcher::WatchForUnregistration, this);
-    connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, &PortalScreenshot::onGone);
+                                            QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& /*service*/, const QString& oldOwner) {
+                if (!oldOwner.isEmpty())
+                    onGone();
+            });
     m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                   QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
                   this, SLOT(onGone()));
@@ -110,7 +122,8 @@ void PortalScreenshot::onReply(QDBusPendingCallWatcher* call)
     const QDBusPendingReply<QDBusObjectPath> reply = *call;
     call->deleteLater();
     if (reply.isError())
-        fail(tr("The desktop's portal takes no screenshots: %1").arg(reply.error().message()));
+        fail(tr("The desktop's portal takes no screenshots: %1")
+                 .arg(reply.error().message().simplified()));
     else
         listenTo(reply.value().path());
 }
@@ -121,11 +134,17 @@ void PortalScreenshot::listenTo(const QString& requestPath)
         return;
     m_requestPath = requestPath;
     m_bus.connect(QLatin1String(kService), requestPath, QLatin1String(kRequest),
-                  QStringLiteral("Response"), this, SLOT(onResponse(uint, QVariantMap)));
+                  QStringLiteral("Response"), this, SLOT(onResponse(QDBusMessage)));
 }
 
-void PortalScreenshot::onResponse(uint code, const QVariantMap& results)
+// An answer of other types ends the wait as one without a picture.
+void PortalScreenshot::onResponse(const QDBusMessage& response)
 {
+    const bool isSound = response.signature() == QLatin1String("ua{sv}");
+    const QVariantList answer =
+        isSound ? response.arguments() : QVariantList{uint(Granted), QVariantMap()};
+    const uint code = answer.first().toUInt();
+    const auto results = qdbus_cast<QVariantMap>(answer.last());
     const QString fileName = QUrl(results.value(QStringLiteral("uri")).toString()).toLocalFile();
     const QImage image = fileName.isEmpty() ? QImage() : readAndRemove(fileName);
     if (code == RefusedByUser)

@@ -5,8 +5,8 @@
 #include <QImage>
 #include <QObject>
 #include <QString>
-#include <QVariantMap>
 
+class QDBusMessage;
 class QDBusPendingCallWatcher;
 
 /// A picture of all screens from the desktop's portal (org.freedesktop.portal.Screenshot on the
@@ -32,7 +32,7 @@ Q_SIGNALS:
     void finished(const QImage& image, const QString& failure);
 
 private Q_SLOTS:
-    void onResponse(uint code, const QVariantMap& results);
+    void onResponse(const QDBusMessage& response);
     void onGone();
 
 private:
