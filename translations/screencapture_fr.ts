@@ -2,10 +2,44 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="fr_FR">
 <context>
+    <name>DesktopSource</name>
+    <message>
+        <source>The screens cannot be grabbed.</source>
+        <translation>Impossible de capturer les écrans.</translation>
+    </message>
+</context>
+<context>
     <name>PenWidthWidget</name>
     <message>
         <source>Pen width</source>
         <translation>Épaisseur du trait</translation>
+    </message>
+</context>
+<context>
+    <name>PortalScreenshot</name>
+    <message>
+        <source>There is no session bus.</source>
+        <translation>Il n’y a pas de bus de session.</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal takes no screenshots: %1</source>
+        <translation>Le portail du bureau ne fait pas de captures d’écran : %1</translation>
+    </message>
+    <message>
+        <source>The screenshot was not permitted.</source>
+        <translation>La capture d’écran n’a pas été autorisée.</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal could not take the screenshot.</source>
+        <translation>Le portail du bureau n’a pas pu faire la capture d’écran.</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal gave no picture.</source>
+        <translation>Le portail du bureau n’a pas donné d’image.</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal has gone away.</source>
+        <translation>Le portail du bureau n’est plus là.</translation>
     </message>
 </context>
 <context>
@@ -84,6 +118,10 @@
     <message>
         <source>Blur</source>
         <translation>Flou</translation>
+    </message>
+    <message>
+        <source>There is no picture.</source>
+        <translation>Il n’y a pas d’image.</translation>
     </message>
 </context>
 </TS>

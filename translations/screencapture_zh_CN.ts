@@ -2,10 +2,44 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN">
 <context>
+    <name>DesktopSource</name>
+    <message>
+        <source>The screens cannot be grabbed.</source>
+        <translation>无法抓取屏幕。</translation>
+    </message>
+</context>
+<context>
     <name>PenWidthWidget</name>
     <message>
         <source>Pen width</source>
         <translation>画笔粗细</translation>
+    </message>
+</context>
+<context>
+    <name>PortalScreenshot</name>
+    <message>
+        <source>There is no session bus.</source>
+        <translation>没有会话总线。</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal takes no screenshots: %1</source>
+        <translation>桌面门户不提供屏幕截图:%1</translation>
+    </message>
+    <message>
+        <source>The screenshot was not permitted.</source>
+        <translation>屏幕截图未获允许。</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal could not take the screenshot.</source>
+        <translation>桌面门户未能完成屏幕截图。</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal gave no picture.</source>
+        <translation>桌面门户没有给出图片。</translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s portal has gone away.</source>
+        <translation>桌面门户已退出。</translation>
     </message>
 </context>
 <context>
@@ -84,6 +118,10 @@
     <message>
         <source>Blur</source>
         <translation>模糊度</translation>
+    </message>
+    <message>
+        <source>There is no picture.</source>
+        <translation>没有图片。</translation>
     </message>
 </context>
 </TS>
