@@ -53,6 +53,7 @@ file(RELATIVE_PATH prefix_from_pkgconfig
 if(NOT BUILD_SHARED_LIBS)
     set(static_definition -DSCREENCAPTURE_STATIC)
     set(static_libraries " -lxcb")
+    set(static_requirement ", ${Qt}DBus")
 endif()
 configure_file(cmake/screencapture.pc.in ${installed_name}.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${installed_name}.pc
