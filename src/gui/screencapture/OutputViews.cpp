@@ -2,15 +2,18 @@
 #include "OutputViews.h"
 
 #include "OverlayGeometry.h"
+#include "QtVersions.h"
 
 #include <QApplication>
 #include <QCursor>
 #include <QGraphicsProxyWidget>
 #include <QGraphicsView>
 #include <QInputMethod>
+#include <QMouseEvent>
 #include <QScreen>
 #include <QTransform>
 #include <QWindow>
+#include <QtMath>
 
 namespace
 {
@@ -37,6 +40,25 @@ public:
     }
 
 protected:
+    // A pointer that enters may rest there without a move.
+    bool viewportEvent(QEvent* event) override
+    {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove: {
+            const auto& mouse = *static_cast<QMouseEvent*>(event);
+            return passOn(event->type(), mouse, mouse.button(), mouse.buttons());
+        }
+        case QEvent::Enter:
+            return passOn(QEvent::MouseMove, *static_cast<QEnterEvent*>(event), Qt::NoButton,
+                          QGuiApplication::mouseButtons());
+        default:
+            return QGraphicsView::viewportEvent(event);
+        }
+    }
+
     // No item has the focus after a dialog in the scene has closed.
     void keyPressEvent(QKeyEvent* event) override
     {
@@ -60,6 +82,18 @@ protected:
     }
 
 private:
+    // The view would round to the coordinates beside those under the pointer.
+    template <typename PointerEvent>
+    bool passOn(QEvent::Type type, const PointerEvent& event, Qt::MouseButton button,
+                Qt::MouseButtons buttons)
+    {
+        const QPointF pos = qtversions::posInWindow(event);
+        QMouseEvent whole(type, QPointF(qFloor(pos.x()), qFloor(pos.y())),
+                          qtversions::posOnDesktop(event), button, buttons,
+                          QGuiApplication::keyboardModifiers());
+        return QGraphicsView::viewportEvent(&whole);
+    }
+
     QPointer<QWidget> m_window;
 };
 

@@ -22,11 +22,13 @@ inline QPointF posInWidget(const QMouseEvent& event)
 {
     return event.position();
 }
-inline QPointF posInWindow(const QMouseEvent& event)
+template <typename PointerEvent>
+QPointF posInWindow(const PointerEvent& event)
 {
     return event.scenePosition();
 }
-inline QPointF posOnDesktop(const QMouseEvent& event)
+template <typename PointerEvent>
+QPointF posOnDesktop(const PointerEvent& event)
 {
     return event.globalPosition();
 }
@@ -57,11 +59,13 @@ inline QPointF posInWidget(const QMouseEvent& event)
 {
     return event.localPos();
 }
-inline QPointF posInWindow(const QMouseEvent& event)
+template <typename PointerEvent>
+QPointF posInWindow(const PointerEvent& event)
 {
     return event.windowPos();
 }
-inline QPointF posOnDesktop(const QMouseEvent& event)
+template <typename PointerEvent>
+QPointF posOnDesktop(const PointerEvent& event)
 {
     return event.screenPos();
 }
