@@ -58,14 +58,17 @@ bool isTooLarge(const QSize& size)
     return qint64(size.width()) * size.height() > kLargestPictureBytes / kBytesPerPixel;
 }
 
-// The portal leaves the file to the one that asked for it.
+// The portal leaves the file to the one that asked for it. At the edges of scaled outputs a picture
+// may be half transparent, which no screen is.
 QImage readAndRemove(const QString& fileName)
 {
     if (!QFileInfo(fileName).isFile())
         return {};
     const auto remove = qScopeGuard([&] { QFile::remove(fileName); });
     QImageReader reader(fileName);
-    return isTooLarge(reader.size()) ? QImage() : qtversions::readOfAnySize(reader);
+    if (isTooLarge(reader.size()))
+        return {};
+    return qtversions::readOfAnySize(reader).convertToFormat(QImage::Format_RGB32);
 }
 
 } // namespace
