@@ -11,6 +11,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDir>
+#include <QGraphicsProxyWidget>
 #include <QLineEdit>
 #include <QScreen>
 #include <QSocketNotifier>
@@ -43,17 +44,20 @@ QWidget* findWidget(const QString& name)
     return nullptr;
 }
 
-/// The native window, and the widget's rectangle in it, in physical pixels.
+/// The native window, and the widget's rectangle in it, in physical pixels. In a Wayland session
+/// instead the rectangle in the scene that all outputs show, in its coordinates.
 QString place(QWidget* widget)
 {
     if (!widget)
         return "nowhere";
     const QWidget* window = widget->window();
-    const qreal ratio = window->screen()->devicePixelRatio();
-    const QPoint p = widget->mapTo(window, QPoint()) * ratio;
+    const QGraphicsItem* item = window->graphicsProxyWidget();
+    const QPoint origin = item ? item->scenePos().toPoint() : QPoint();
+    const qreal ratio = item ? 1 : window->screen()->devicePixelRatio();
+    const QPoint p = origin + widget->mapTo(window, QPoint()) * ratio;
     const QSize size = widget->size() * ratio;
     return QStringLiteral("%1 %2 %3 %4 %5")
-        .arg(window->windowHandle()->winId())
+        .arg(item ? 0 : window->windowHandle()->winId())
         .arg(p.x())
         .arg(p.y())
         .arg(size.width())

@@ -21,7 +21,9 @@ public:
     ~HostProcess();
     void kill();
 
+    qint64 pid() const { return m_process.processId(); }
     bool lives() const { return m_process.state() == QProcess::Running; }
+    bool hasCrashed() const { return !lives() && m_process.exitStatus() == QProcess::CrashExit; }
     bool hasEnded() const { return !m_end.isEmpty() || !lives(); }
 
     /// Empty where there is no answer, because the capture has ended or hangs.

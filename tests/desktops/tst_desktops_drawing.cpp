@@ -2,6 +2,7 @@
 #include "tst_desktops.h"
 
 #include "Input.h"
+#include "Marks.h"
 #include "Pictures.h"
 #include "Reports.h"
 #include "Screens.h"
@@ -18,39 +19,6 @@ QRect grown(const QRect& r, qreal by)
 {
     const int whole = qRound(by);
     return r.adjusted(-whole, -whole, whole, whole);
-}
-
-bool holdsColor(const QImage& picture, const QColor& color)
-{
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            if (picture.pixelColor(x, y) == color)
-                return true;
-        }
-    }
-    return false;
-}
-
-bool isBetween(int before, int after, int end)
-{
-    return qMin(before, end) <= after && after <= qMax(before, end);
-}
-
-/// The first pixel that is neither as before, nor the pen's colour, nor a mixture of both; empty
-/// where there is none.
-QString notBetween(const QImage& before, const QImage& after, const QColor& pen)
-{
-    for (int y = 0; y < after.height(); ++y) {
-        for (int x = 0; x < after.width(); ++x) {
-            const QColor a = before.pixelColor(x, y);
-            const QColor b = after.pixelColor(x, y);
-            if (!isBetween(a.red(), b.red(), pen.red()) ||
-                !isBetween(a.green(), b.green(), pen.green()) ||
-                !isBetween(a.blue(), b.blue(), pen.blue()))
-                return text(QPoint(x, y)) + " became " + b.name() + " from " + a.name();
-        }
-    }
-    return {};
 }
 
 } // namespace
