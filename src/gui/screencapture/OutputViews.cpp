@@ -11,6 +11,7 @@
 #include <QInputMethod>
 #include <QMouseEvent>
 #include <QScreen>
+#include <QTimer>
 #include <QTransform>
 #include <QWindow>
 #include <QtMath>
@@ -57,14 +58,6 @@ protected:
         default:
             return QGraphicsView::viewportEvent(event);
         }
-    }
-
-    // No item has the focus after a dialog in the scene has closed.
-    void keyPressEvent(QKeyEvent* event) override
-    {
-        if (!scene()->focusItem() && m_window)
-            m_window->graphicsProxyWidget()->setFocus();
-        QGraphicsView::keyPressEvent(event);
     }
 
     // The view's answer has the offset of the focused widget already, which Qt would add again.
@@ -136,19 +129,39 @@ QPoint OutputViews::cursorPos()
     return QCursor::pos() - QGuiApplication::primaryScreen()->virtualGeometry().topLeft();
 }
 
-bool OutputViews::isInScene(const QWidget* window) const
+// QWidget::isAncestorOf() ends at windows.
+bool OutputViews::isInScene(const QObject* object) const
 {
-    return window != m_window && window->isWindow() && m_window && m_window->isAncestorOf(window);
+    const auto* window = qobject_cast<const QWidget*>(object);
+    if (!window || !window->isWindow())
+        return false;
+    do
+        object = object->parent();
+    while (object && object != m_window);
+    return object;
+}
+
+bool OutputViews::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Show && isInScene(watched))
+        place(static_cast<QWidget*>(watched));
+    else if (event->type() == QEvent::Hide && isInScene(watched))
+        QTimer::singleShot(0, this, &OutputViews::takeFocusBack);
+    return QObject::eventFilter(watched, event);
 }
 
 // Qt bounds what the window opens by no output, and shows a file dialog outside of the scene.
-bool OutputViews::eventFilter(QObject* watched, QEvent* event)
+void OutputViews::place(QWidget* opened)
 {
-    auto* opened = qobject_cast<QWidget*>(watched);
-    if (event->type() == QEvent::Show && opened && isInScene(opened)) {
-        opened->setAttribute(Qt::WA_DontShowOnScreen);
-        const QRect place = opened->geometry();
-        opened->move(overlay::posWithin(overlay::nearestScreen(place.center(), outputs()), place));
-    }
-    return QObject::eventFilter(watched, event);
+    opened->setAttribute(Qt::WA_DontShowOnScreen);
+    const QRect place = opened->geometry();
+    opened->move(overlay::posWithin(overlay::nearestScreen(place.center(), outputs()), place));
+}
+
+// After a list or a dialog has closed, no item has the focus. The key that closed a list goes
+// nowhere.
+void OutputViews::takeFocusBack()
+{
+    if (m_proxy && !m_scene.focusItem())
+        m_proxy->setFocus();
 }

@@ -42,7 +42,10 @@ public:
     /// \endcond
 
 private:
-    bool isInScene(const QWidget* window) const;
+    /// Whether it is what the window has opened.
+    bool isInScene(const QObject* object) const;
+    static void place(QWidget* opened);
+    void takeFocusBack();
 
     QPointer<QWidget> m_window;
     QGraphicsScene m_scene;
