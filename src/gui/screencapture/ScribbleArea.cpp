@@ -14,6 +14,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
+#include <QScopeGuard>
 #include <QTextEdit>
 #include <QTransform>
 
@@ -538,8 +539,12 @@ bool ScribbleArea::drawText()
     if (m_textEdit->toPlainText().trimmed().isEmpty())
         return false;
     const QPoint pos = m_textEdit->mapToParent(QPoint(0, 0));
-    // QTextEdit draws no text cursor without focus.
+    // QTextEdit draws no text cursor without focus, save in a graphics scene, which does not tell
+    // it.
     m_textEdit->clearFocus();
+    const auto restore = qScopeGuard(
+        [this, width = m_textEdit->cursorWidth()] { m_textEdit->setCursorWidth(width); });
+    m_textEdit->setCursorWidth(0);
     drawOn(m_image, [&](QPainter& painter) {
         m_textEdit->render(&painter, pos, QRegion(),
                            QWidget::DrawWindowBackground | QWidget::DrawChildren);
