@@ -212,6 +212,21 @@ void WaylandTest::select(const QRect& region)
     select(region.topLeft(), region.bottomRight());
 }
 
+void WaylandTest::restoreOutputs()
+{
+    for (int i = 0; i < m_outputs.size(); ++i) {
+        const Output& old = m_outputs[i];
+        tellCompositor(QStringLiteral("output %1 mode --custom %2x%3 position %4 %5 "
+                                      "scale %6 transform normal")
+                           .arg(old.name)
+                           .arg(m_atStartOn[i].width())
+                           .arg(m_atStartOn[i].height())
+                           .arg(old.place.x())
+                           .arg(old.place.y())
+                           .arg(old.scale));
+    }
+}
+
 QRect WaylandTest::pixelsOf(const QRect& area) const
 {
     return scaled(area, m_scale);

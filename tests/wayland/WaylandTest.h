@@ -50,6 +50,9 @@ protected:
     void select(const QPointF& from, const QPointF& to);
     void select(const QRect& region);
 
+    /// Makes the outputs as they were.
+    void restoreOutputs();
+
     /// The pixels of the whole picture.
     QRect pixelsOf(const QRect& area) const;
 
@@ -59,6 +62,7 @@ protected:
     qreal m_scale = 1;
     QImage m_atStart;
     QScopedPointer<HostProcess> m_host;
+    /// Whether the desktop is not there as it was afterwards.
     bool m_isDesktopSpoilt = false;
 
 private:

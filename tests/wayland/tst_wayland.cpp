@@ -1,8 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "tst_wayland.h"
 
+#include "Marks.h"
+#include "Pictures.h"
 #include "Reports.h"
 #include "Waiting.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+
+#include <csignal>
+
+namespace
+{
+
+constexpr QSize kRegionSize(400, 240);
+
+QRect grown(const QRect& r, int by)
+{
+    return r.adjusted(-by, -by, by, by);
+}
+
+} // namespace
 
 void tst_wayland::overlayIsTheDimmedDesktop()
 {
@@ -71,6 +90,344 @@ void tst_wayland::keysReachTheCapture()
         select(QRect(m_outputs.last().place.center(), QSize(100, 80)));
     key(name);
     expectEnd(end);
+}
+
+void tst_wayland::rightClickEndsTheCapture()
+{
+    startCapture();
+    click(m_outputs.last().place.center(), Qt::RightButton);
+    expectEnd("cancelled");
+}
+
+void tst_wayland::rightClickDropsTheRegion()
+{
+    const QRect region = regionOn(0);
+    startCapture();
+    select(region);
+    click(region.topLeft() - QPoint(20, 20), Qt::RightButton);
+    QVERIFY(waitFor([this] { return where("mainToolBar").isEmpty(); }));
+    checkOverlay();
+    select(region.translated(20, 20));
+    key("Return");
+    expectDelivered(region.translated(20, 20));
+}
+
+void tst_wayland::doubleClickDelivers()
+{
+    const QRect region = regionOn(m_outputs.size() - 1);
+    startCapture();
+    select(region);
+    click(region.center());
+    click(region.center());
+    expectDelivered(region);
+}
+
+// A region in the upper part, below which there is space for the bars. Tiles and the mosaic's
+// blocks do not begin there.
+QRect tst_wayland::regionOn(int output) const
+{
+    return {m_outputs[output].place.topLeft() + QPoint(103, 151), kRegionSize};
+}
+
+void tst_wayland::startDrawing(const QRect& region, const QString& tool)
+{
+    startCapture();
+    select(region);
+    clickOn(tool);
+    QVERIFY(waitFor([this] { return !where("subToolBar").isEmpty(); }));
+}
+
+namespace
+{
+
+/// What a tool leaves where it is used along a frame.
+struct Mark {
+    const char* tool;
+    QColor color;
+    /// Of the frame's size.
+    QVector<QPointF> places;
+    /// In coordinates.
+    int reach;
+};
+
+const QColor kRed(251, 56, 56);
+
+QVector<Mark> marks()
+{
+    return {{"scribble", kRed, {{0, 0}, {0.25, 0.25}, {0.5, 0.5}, {0.75, 0.75}, {1, 1}}, 1},
+            {"Arrow", kRed, {{0.25, 0.25}, {0.5, 0.5}, {0.9, 0.9}}, 1},
+            {"Rectangle", kRed, {{0, 0.5}, {1, 0.5}, {0.5, 0}, {0.5, 1}}, 1},
+            {"Ellipse", kRed, {{0, 0.5}, {1, 0.5}, {0.5, 0}, {0.5, 1}}, 1},
+            // Its first line begins at the top.
+            {"text", Qt::black, {{0.2, 0}}, 20}};
+}
+
+QPoint placeIn(const QRect& frame, const QPointF& place)
+{
+    return frame.topLeft() + QPoint(qRound(place.x() * (frame.width() - 1)),
+                                    qRound(place.y() * (frame.height() - 1)));
+}
+
+} // namespace
+
+void tst_wayland::annotationIsDelivered_data()
+{
+    QTest::addColumn<QString>("tool");
+    QTest::addColumn<QRect>("region");
+    const auto row = [](const QString& tool, const QString& where, const QRect& region) {
+        QTest::newRow(qPrintable(tool + " on " + where)) << tool << region;
+    };
+    const QStringList tools{"scribble", "text", "Arrow", "Rectangle", "Ellipse", "Mosaic"};
+    for (const QString& tool : tools) {
+        for (int i = 0; i < m_outputs.size(); ++i)
+            row(tool, m_outputs[i].name, regionOn(i));
+        if (m_outputs.size() > 1) {
+            QRect across(QPoint(), kRegionSize);
+            across.moveCenter((m_outputs[0].place.center() + m_outputs[1].place.center()) / 2);
+            row(tool, "both", across);
+        }
+    }
+}
+
+// Beside it everything is as it was.
+void tst_wayland::annotationIsDelivered()
+{
+    constexpr int besidePx = 10;
+    QFETCH(QString, tool);
+    QFETCH(QRect, region);
+    const QRect frame(region.topLeft() + QPoint(100, 70), QSize(200, 100));
+    startDrawing(region, tool);
+    drag(frame.topLeft(), frame.bottomRight());
+    if (tool == "text") {
+        QVERIFY(waitFor([this] { return !where("QTextEdit").isEmpty(); }));
+        type("HMHMHM");
+        QVERIFY(waitFor([&] { return m_host->content("QTextEdit") == "HMHMHM"; }));
+    }
+    clickOn("doneButton");
+    expectEnd("captured");
+    const QImage picture = m_host->picture();
+    const QRect pixels = pixelsOf(region);
+    const QImage before = m_atStart.copy(pixels);
+    const QRect drawn = pixelsOf(frame).translated(-pixels.topLeft());
+    const QRect around = grown(drawn, qCeil(besidePx * m_scale));
+    const QString seen = difference(without(picture, around), without(before, around));
+    QVERIFY2(seen.isEmpty(), qPrintable("beside the annotation: " + seen));
+    if (tool == "Mosaic")
+        expectMosaic(drawn, picture, before);
+    else
+        expectMarks(tool, drawn, picture, before);
+}
+
+void tst_wayland::expectMarks(const QString& tool, const QRect& frame, const QImage& picture,
+                              const QImage& before) const
+{
+    for (const Mark& mark : marks()) {
+        if (mark.tool != tool)
+            continue;
+        const QString seen = notBetween(before, picture, mark.color);
+        QVERIFY2(seen.isEmpty(), qPrintable(seen));
+        for (const QPointF& place : mark.places) {
+            const QPoint p = placeIn(frame, place);
+            const QRect near = grown(QRect(p, QSize(1, 1)), qCeil(mark.reach * m_scale));
+            QVERIFY2(holdsColor(picture.copy(near), mark.color),
+                     qPrintable("no pen at " + text(p)));
+        }
+    }
+}
+
+// Along the diagonal, which is within the brush.
+void tst_wayland::expectMosaic(const QRect& frame, const QImage& picture,
+                               const QImage& before) const
+{
+    constexpr int blockSide = 2;
+    constexpr int steps = 100;
+    QImage source = before;
+    source.setDevicePixelRatio(m_scale);
+    const QImage blocks = inBlocks(source, blockSide);
+    QVERIFY(difference(blocks, before) != QString());
+    for (int i = 0; i <= steps; ++i) {
+        const QPoint p = placeIn(frame, QPointF(1, 1) * i / steps);
+        QVERIFY2(picture.pixelColor(p).rgb() == blocks.pixelColor(p).rgb(),
+                 qPrintable(text(p) + " is " + picture.pixelColor(p).name()));
+    }
+}
+
+void tst_wayland::addRegions()
+{
+    QTest::addColumn<QRect>("region");
+    for (int i = 0; i < m_outputs.size(); ++i)
+        QTest::newRow(qPrintable(m_outputs[i].name)) << regionOn(i);
+}
+
+void tst_wayland::typedTextArrives_data()
+{
+    addRegions();
+}
+
+void tst_wayland::typedTextArrives()
+{
+    QFETCH(QRect, region);
+    startDrawing(region, "text");
+    drag(region.topLeft() + QPoint(50, 50), region.topLeft() + QPoint(250, 150));
+    QVERIFY2(waitFor([this] { return !where("QTextEdit").isEmpty(); }), "there is no text box");
+    type("Harbour 46");
+    QVERIFY2(waitFor([&] { return m_host->content("QTextEdit") == "Harbour 46"; }),
+             qPrintable("the text box holds " + m_host->content("QTextEdit")));
+    key("Escape");
+    expectEnd("cancelled");
+}
+
+void tst_wayland::fontSizeListOpensAndTakesKeysAndClicks_data()
+{
+    addRegions();
+}
+
+void tst_wayland::fontSizeListOpensAndTakesKeysAndClicks()
+{
+    const QString list = "QComboBoxPrivateContainer";
+    QFETCH(QRect, region);
+    startDrawing(region, "text");
+    QVERIFY(waitFor([this] { return !where("QComboBox").isEmpty(); }));
+    const auto open = [&] {
+        const QImage before = pictureOfAll();
+        clickOn("QComboBox");
+        QVERIFY2(waitFor([&] { return !where(list).isEmpty(); }), "no list opens");
+        QVERIFY2(isOnOneOutput(list), qPrintable("the list is at " + text(where(list))));
+        const QRect inner = pixelsOf(grown(where(list), -2));
+        QVERIFY2(waitFor([&] { return pictureOfAll().copy(inner) != before.copy(inner); }),
+                 "the list is not seen");
+    };
+    open();
+    // The pointer may be over the list.
+    key("Home");
+    key("Down");
+    key("Return");
+    QVERIFY2(waitFor([&] { return where(list).isEmpty(); }), "keys do not reach the list");
+    QCOMPARE(m_host->content("QComboBox"), QString("9"));
+    open();
+    clickOn(list);
+    QVERIFY2(waitFor([&] { return where(list).isEmpty(); }), "a click does not reach the list");
+    QVERIFY(m_host->content("QComboBox") != "9");
+    key("Escape");
+    expectEnd("cancelled");
+}
+
+void tst_wayland::toolTipIsShown_data()
+{
+    addRegions();
+}
+
+// It is as white as the bar.
+void tst_wayland::toolTipIsShown()
+{
+    QFETCH(QRect, region);
+    startCapture();
+    select(region);
+    const QPoint button = where("Mosaic").center();
+    moveTo(button - QPoint(1, 0));
+    moveTo(button);
+    QVERIFY2(waitFor([this] { return !where("QTipLabel").isEmpty(); }), "no tool tip opens");
+    const QRect tip = where("QTipLabel");
+    QVERIFY2(isOnOneOutput("QTipLabel"), qPrintable("the tool tip is at " + text(tip)));
+    const QPoint inside = pixelsOf(grown(tip, -3)).bottomRight();
+    QVERIFY2(waitFor([&] { return pictureOfAll().pixelColor(inside) == Qt::white; }),
+             qPrintable("the tool tip at " + text(tip) + " is covered"));
+    key("Escape");
+    expectEnd("cancelled");
+}
+
+void tst_wayland::openSaveDialog(const QRect& region)
+{
+    startCapture();
+    select(region);
+    clickOn("save");
+    QVERIFY2(waitFor([this] { return !where("QFileDialog").isEmpty(); }), "no dialog opens");
+    QVERIFY2(isOnOneOutput("QFileDialog"),
+             qPrintable("the dialog is at " + text(where("QFileDialog"))));
+}
+
+void tst_wayland::saveDialogSaves_data()
+{
+    addRegions();
+}
+
+void tst_wayland::saveDialogSaves()
+{
+    QFETCH(QRect, region);
+    const QTemporaryDir scratch;
+    const QString file = scratch.filePath("saved.bmp");
+    openSaveDialog(region);
+    clickOn("fileNameEdit");
+    key("ctrl+a");
+    type(file);
+    QVERIFY2(waitFor([&] { return m_host->content("fileNameEdit") == file; }),
+             qPrintable("the dialog was given the keys " + m_host->content("fileNameEdit")));
+    key("Return");
+    QVERIFY2(waitFor([this] { return where("QFileDialog").isEmpty(); }), "the dialog stays");
+    QVERIFY(waitFor([this] { return where("mainToolBar").isEmpty(); }));
+    const QString seen = difference(QImage(file), m_atStart.copy(pixelsOf(region)));
+    QVERIFY2(seen.isEmpty(), qPrintable("saved region " + text(region) + ": " + seen));
+    checkOverlay();
+    key("Escape");
+    expectEnd("cancelled");
+}
+
+void tst_wayland::saveDialogIsCancelled_data()
+{
+    addRegions();
+}
+
+void tst_wayland::saveDialogIsCancelled()
+{
+    QFETCH(QRect, region);
+    openSaveDialog(region);
+    key("Escape");
+    QVERIFY2(waitFor([this] { return where("QFileDialog").isEmpty(); }),
+             "Escape does not reach the dialog");
+    key("Return");
+    expectDelivered(region);
+}
+
+void tst_wayland::nothingIsShownBeforeThePortalAnswers()
+{
+    const auto portal =
+        static_cast<pid_t>(QDBusConnection::sessionBus()
+                               .interface()
+                               ->servicePid("org.freedesktop.impl.portal.desktop.wlr")
+                               .value());
+    QVERIFY(portal > 0);
+    {
+        kill(portal, SIGSTOP);
+        const auto resume = qScopeGuard([=] { kill(portal, SIGCONT); });
+        m_host.reset(new HostProcess);
+        QCOMPARE(m_host->ask("where ScreenCaptureWnd"), QString("nowhere"));
+        QVERIFY(processWithKeyboard() != m_host->pid());
+        QVERIFY(pictureOfAll() == m_atStart);
+    }
+    QVERIFY(waitFor([this] { return !where("ScreenCaptureWnd").isEmpty(); }));
+    checkOverlay();
+    key("Escape");
+    expectEnd("cancelled");
+}
+
+void tst_wayland::changeOfAnOutputCancels_data()
+{
+    QTest::addColumn<QString>("change");
+    const QString last = "output " + m_outputs.last().name;
+    QTest::newRow("rotated") << last + " transform 90";
+    QTest::newRow("resized") << last + " mode --custom 640x480";
+    QTest::newRow("scaled") << last + " scale " + (m_outputs.last().scale == 1 ? "2" : "1");
+}
+
+void tst_wayland::changeOfAnOutputCancels()
+{
+    QFETCH(QString, change);
+    const QRect region = regionOn(0);
+    startCapture();
+    press(region.topLeft(), region.bottomRight());
+    tellCompositor(change);
+    expectEnd("cancelled");
+    restoreOutputs();
 }
 
 QTEST_GUILESS_MAIN(tst_wayland)

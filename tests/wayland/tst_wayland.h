@@ -14,4 +14,32 @@ private slots:
     void regionIsDelivered();
     void keysReachTheCapture_data();
     void keysReachTheCapture();
+    void rightClickEndsTheCapture();
+    void rightClickDropsTheRegion();
+    void doubleClickDelivers();
+    void annotationIsDelivered_data();
+    void annotationIsDelivered();
+    void typedTextArrives_data();
+    void typedTextArrives();
+    void fontSizeListOpensAndTakesKeysAndClicks_data();
+    void fontSizeListOpensAndTakesKeysAndClicks();
+    void toolTipIsShown_data();
+    void toolTipIsShown();
+    void saveDialogSaves_data();
+    void saveDialogSaves();
+    void saveDialogIsCancelled_data();
+    void saveDialogIsCancelled();
+    void nothingIsShownBeforeThePortalAnswers();
+    void changeOfAnOutputCancels_data();
+    void changeOfAnOutputCancels();
+
+private:
+    /// A row for each output, with a region on it.
+    void addRegions();
+    QRect regionOn(int output) const;
+    void startDrawing(const QRect& region, const QString& tool);
+    void openSaveDialog(const QRect& region);
+    void expectMosaic(const QRect& frame, const QImage& picture, const QImage& before) const;
+    void expectMarks(const QString& tool, const QRect& frame, const QImage& picture,
+                     const QImage& before) const;
 };
