@@ -129,16 +129,12 @@ QPoint OutputViews::cursorPos()
     return QCursor::pos() - QGuiApplication::primaryScreen()->virtualGeometry().topLeft();
 }
 
-// QWidget::isAncestorOf() ends at windows.
+// Tool tips are not: Qt shows them natively.
 bool OutputViews::isInScene(const QObject* object) const
 {
-    const auto* window = qobject_cast<const QWidget*>(object);
-    if (!window || !window->isWindow())
-        return false;
-    do
-        object = object->parent();
-    while (object && object != m_window);
-    return object;
+    const auto* widget = qobject_cast<const QWidget*>(object);
+    const QGraphicsItem* item = widget ? widget->graphicsProxyWidget() : nullptr;
+    return item && item->scene() == &m_scene && widget != m_window;
 }
 
 bool OutputViews::eventFilter(QObject* watched, QEvent* event)
