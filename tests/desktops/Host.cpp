@@ -44,24 +44,34 @@ QWidget* findWidget(const QString& name)
     return nullptr;
 }
 
-/// The native window, and the widget's rectangle in it, in physical pixels. In a Wayland session
-/// instead the rectangle in the scene that all outputs show, in its coordinates.
-QString place(QWidget* widget)
+QString place(WId window, const QRect& r)
 {
-    if (!widget)
-        return "nowhere";
+    return QStringLiteral("%1 %2 %3 %4 %5")
+        .arg(window)
+        .arg(r.x())
+        .arg(r.y())
+        .arg(r.width())
+        .arg(r.height());
+}
+
+/// The native window, and the widget's rectangle in it, in physical pixels.
+QString placeInWindow(const QWidget* widget)
+{
+    const QWidget* window = widget->window();
+    const qreal ratio = window->screen()->devicePixelRatio();
+    return place(window->windowHandle()->winId(),
+                 {widget->mapTo(window, QPoint()) * ratio, widget->size() * ratio});
+}
+
+/// In a Wayland session: no window, and the widget's rectangle from the corner of all outputs, in
+/// their coordinates.
+QString placeOnOutputs(const QWidget* widget)
+{
     const QWidget* window = widget->window();
     const QGraphicsItem* item = window->graphicsProxyWidget();
-    const QPoint origin = item ? item->scenePos().toPoint() : QPoint();
-    const qreal ratio = item ? 1 : window->screen()->devicePixelRatio();
-    const QPoint p = origin + widget->mapTo(window, QPoint()) * ratio;
-    const QSize size = widget->size() * ratio;
-    return QStringLiteral("%1 %2 %3 %4 %5")
-        .arg(item ? 0 : window->windowHandle()->winId())
-        .arg(p.x())
-        .arg(p.y())
-        .arg(size.width())
-        .arg(size.height());
+    const QPoint corner = window->screen()->virtualGeometry().topLeft();
+    const QPoint origin = item ? item->scenePos().toPoint() : window->pos() - corner;
+    return place(0, {origin + widget->mapTo(window, QPoint()), widget->size()});
 }
 
 QString content(QWidget* widget)
@@ -107,7 +117,13 @@ private:
         const QString question = QString::fromStdString(line);
         const QString what = question.section(' ', 1);
         if (question.startsWith("where ")) {
-            say(place(findWidget(what)));
+            const QWidget* widget = findWidget(what);
+            if (!widget)
+                say("nowhere");
+            else if (QGuiApplication::platformName() == "wayland")
+                say(placeOnOutputs(widget));
+            else
+                say(placeInWindow(widget));
         } else if (question.startsWith("content ")) {
             say(content(findWidget(what)));
         } else if (question.startsWith("ratio ")) {
