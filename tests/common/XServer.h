@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 #include <QPoint>
 #include <QRect>
+#include <QVector>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
@@ -14,8 +17,9 @@
 class XServer
 {
 public:
-    XServer()
-        : m_connection(xcb_connect(nullptr, nullptr))
+    /// That of the environment variable DISPLAY where none is named.
+    explicit XServer(const QByteArray& display = qgetenv("DISPLAY"))
+        : m_connection(xcb_connect(display.constData(), nullptr))
         , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root)
     {
     }
@@ -140,6 +144,33 @@ public:
         return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
     }
 
+    /// The windows on the root window, in the order in which they were made.
+    QVector<xcb_window_t> windows() const
+    {
+        const auto tree = owned(
+            xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_root), nullptr));
+        if (!tree)
+            return {};
+        const xcb_window_t* first = xcb_query_tree_children(tree.get());
+        QVector<xcb_window_t> windows(first, first + xcb_query_tree_children_length(tree.get()));
+        std::sort(windows.begin(), windows.end());
+        return windows;
+    }
+
+    /// As a window manager does it.
+    void askToClose(xcb_window_t window) const
+    {
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = window;
+        message.type = atom("WM_PROTOCOLS");
+        message.data.data32[0] = atom("WM_DELETE_WINDOW");
+        xcb_send_event(m_connection, 0, window, XCB_EVENT_MASK_NO_EVENT,
+                       reinterpret_cast<const char*>(&message));
+        focus();
+    }
+
     /// From now on no window appears that a window manager would manage.
     void refuseWindows() const
     {
@@ -180,6 +211,15 @@ private:
     static std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply)
     {
         return {reply, &std::free};
+    }
+
+    xcb_atom_t atom(const QByteArray& name) const
+    {
+        const auto reply = owned(xcb_intern_atom_reply(
+            m_connection,
+            xcb_intern_atom(m_connection, 0, static_cast<quint16>(name.size()), name.constData()),
+            nullptr));
+        return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
     }
 
     xcb_connection_t* m_connection;

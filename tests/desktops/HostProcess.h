@@ -24,6 +24,7 @@ public:
     qint64 pid() const { return m_process.processId(); }
     bool lives() const { return m_process.state() == QProcess::Running; }
     bool hasCrashed() const { return !lives() && m_process.exitStatus() == QProcess::CrashExit; }
+    int exitCode() const { return m_process.exitCode(); }
     bool hasEnded() const { return !m_end.isEmpty() || !lives(); }
 
     /// Empty where there is no answer, because the capture has ended or hangs.

@@ -3,6 +3,8 @@
 
 #include "Input.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -103,7 +105,15 @@ qint64 processWithKeyboard()
 }
 
 // It names its socket so: sway-ipc.USER.PROCESS.sock
-qint64 compositor()
+pid_t compositor()
 {
-    return qEnvironmentVariable("SWAYSOCK").section('.', -2, -2).toLongLong();
+    return qEnvironmentVariable("SWAYSOCK").section('.', -2, -2).toInt();
+}
+
+// The one that takes the picture.
+pid_t portal()
+{
+    const QDBusConnectionInterface* bus = QDBusConnection::sessionBus().interface();
+    const uint process = bus->servicePid("org.freedesktop.impl.portal.desktop.wlr");
+    return static_cast<pid_t>(process);
 }

@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include <sys/types.h>
+
 // The compositor as its own tools see and change it.
 
 struct Output {
@@ -35,4 +37,6 @@ void tellCompositor(const QString& command);
 /// The process whose window has the keyboard; 0 where none has it.
 qint64 processWithKeyboard();
 
-qint64 compositor();
+/// The processes of the session.
+pid_t compositor();
+pid_t portal();

@@ -9,8 +9,25 @@
 #include <QProcess>
 #include <QScopedPointer>
 
+#include <csignal>
 #include <memory>
 #include <vector>
+
+/// While it lives, the portal does not answer.
+class StoppedPortal
+{
+public:
+    StoppedPortal()
+        : m_portal(portal())
+    {
+        kill(m_portal, SIGSTOP);
+    }
+    ~StoppedPortal() { kill(m_portal, SIGCONT); }
+    Q_DISABLE_COPY(StoppedPortal)
+
+private:
+    pid_t m_portal;
+};
 
 /// Base of tests in which another process takes captures, with real input, in the session that
 /// tests/wayland/desktop has started. The desktop is of tiles in random colours.

@@ -6,11 +6,6 @@
 #include "Reports.h"
 #include "Waiting.h"
 
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
-
-#include <csignal>
-
 namespace
 {
 
@@ -390,15 +385,8 @@ void tst_wayland::saveDialogIsCancelled()
 
 void tst_wayland::nothingIsShownBeforeThePortalAnswers()
 {
-    const auto portal =
-        static_cast<pid_t>(QDBusConnection::sessionBus()
-                               .interface()
-                               ->servicePid("org.freedesktop.impl.portal.desktop.wlr")
-                               .value());
-    QVERIFY(portal > 0);
     {
-        kill(portal, SIGSTOP);
-        const auto resume = qScopeGuard([=] { kill(portal, SIGCONT); });
+        const StoppedPortal stopped;
         m_host.reset(new HostProcess);
         QCOMPARE(m_host->ask("where ScreenCaptureWnd"), QString("nowhere"));
         QVERIFY(processWithKeyboard() != m_host->pid());
