@@ -11,7 +11,8 @@
 namespace
 {
 
-constexpr int kTileSidePx = 16;
+// The mosaic's blocks are not of this size.
+constexpr int kTileSidePx = 15;
 // An output whose pixels are not those of the picture blurs so much at the edges of tiles.
 constexpr int kBlurPx = 3;
 

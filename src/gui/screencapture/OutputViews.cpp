@@ -11,7 +11,6 @@
 #include <QInputMethod>
 #include <QMouseEvent>
 #include <QScreen>
-#include <QTimer>
 #include <QTransform>
 #include <QWindow>
 #include <QtMath>
@@ -106,6 +105,8 @@ OutputViews::OutputViews(QWidget* window)
     m_scene.setActiveWindow(m_proxy);
     window->show();
     window->setFocus();
+    connect(&m_scene, &QGraphicsScene::focusItemChanged, this, &OutputViews::takeFocusBack,
+            Qt::QueuedConnection);
     qApp->installEventFilter(this);
 }
 
@@ -141,8 +142,6 @@ bool OutputViews::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::Show && isInScene(watched))
         place(static_cast<QWidget*>(watched));
-    else if (event->type() == QEvent::Hide && isInScene(watched))
-        QTimer::singleShot(0, this, &OutputViews::takeFocusBack);
     return QObject::eventFilter(watched, event);
 }
 
