@@ -141,6 +141,12 @@ void WaylandTest::checkOverlay()
     }
 }
 
+bool WaylandTest::isOnAnOutput(const QPoint& p) const
+{
+    return std::any_of(m_outputs.begin(), m_outputs.end(),
+                       [&](const Output& output) { return output.place.contains(p); });
+}
+
 bool WaylandTest::isOnOneOutput(const QString& name)
 {
     const QRect r = where(name);

@@ -52,6 +52,7 @@ protected:
     void expectDelivered(const QRect& region);
 
     QRect where(const QString& name) { return m_host->place(name).inWindow; }
+    bool isOnAnOutput(const QPoint& p) const;
     /// Whether the widget is wholly on one output.
     bool isOnOneOutput(const QString& name);
 
