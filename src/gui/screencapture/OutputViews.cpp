@@ -49,7 +49,7 @@ protected:
         case QEvent::MouseButtonDblClick:
         case QEvent::MouseMove: {
             const auto& mouse = *static_cast<QMouseEvent*>(event);
-            return passOn(event->type(), mouse, mouse.button(), mouse.buttons());
+            return passOn(event->type(), mouse, mouse.button(), mouse.buttons(), mouse.timestamp());
         }
         case QEvent::Enter:
             return passOn(QEvent::MouseMove, *static_cast<QEnterEvent*>(event), Qt::NoButton,
@@ -77,12 +77,14 @@ private:
     // The view would round to the coordinates beside those under the pointer.
     template <typename PointerEvent>
     bool passOn(QEvent::Type type, const PointerEvent& event, Qt::MouseButton button,
-                Qt::MouseButtons buttons)
+                Qt::MouseButtons buttons, ulong timestamp = 0)
     {
         const QPointF pos = qtversions::posInWindow(event);
         QMouseEvent whole(type, QPointF(qFloor(pos.x()), qFloor(pos.y())),
                           qtversions::posOnDesktop(event), button, buttons,
                           QGuiApplication::keyboardModifiers());
+        // Qt 6 finds double clicks by it.
+        whole.setTimestamp(timestamp);
         return QGraphicsView::viewportEvent(&whole);
     }
 
