@@ -86,6 +86,8 @@ void tst_PixelGrid::ratioOfOneChangesNothing()
 void tst_PixelGrid::coordinatesUnderThePointerHaveItsPixel()
 {
     QFETCH(qreal, ratio);
+    QWidget widget;
+    widget.setProperty(pixels::kPictureRatio, ratio);
     for (int pixel = 0; pixel < 5000; ++pixel) {
         const QPointF inWindow(pixel / ratio, (pixel + 1) / ratio);
         // As Qt 5 and Qt 6 hand it to a widget.
@@ -94,7 +96,7 @@ void tst_PixelGrid::coordinatesUnderThePointerHaveItsPixel()
              {QPointF(inWindow.toPoint() - widgetPos), inWindow - widgetPos}) {
             const QMouseEvent event(QEvent::MouseMove, inWidget, inWindow, QPointF(), Qt::NoButton,
                                     Qt::NoButton, Qt::NoModifier);
-            const QPoint under = pixels::coordinatesUnder(event, ratio) + widgetPos;
+            const QPoint under = pixels::coordinatesUnder(event, widget) + widgetPos;
             QVERIFY(pixels::nearest(QRect(under, QSize(1, 1)), ratio)
                         .contains(QPoint(pixel, pixel + 1)));
         }
