@@ -163,8 +163,8 @@ void OverlayKeeper::windowAppeared(const xcb_map_notify_event_t& event)
     }
 }
 
-// A Wayland compositor gives the keyboard to unmanaged windows when they appear, but not to those of
-// the type that Qt::Tool has.
+// A Wayland compositor gives the keyboard to unmanaged windows when they appear, but not to those
+// of the type that Qt::Tool has.
 void OverlayKeeper::askForKeyboard()
 {
     const xcb_atom_t type = atom("_NET_WM_WINDOW_TYPE_DIALOG");
