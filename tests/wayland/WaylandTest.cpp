@@ -149,12 +149,21 @@ bool WaylandTest::isOnAnOutput(const QPoint& p) const
 
 bool WaylandTest::isOnOneOutput(const QString& name)
 {
+    return std::any_of(m_outputs.begin(), m_outputs.end(),
+                       [&](const Output& output) { return isWithin(name, output.place); });
+}
+
+bool WaylandTest::isOnOutputOf(const QString& name, const QRect& region)
+{
+    return std::any_of(m_outputs.begin(), m_outputs.end(), [&](const Output& output) {
+        return output.place.contains(region) && isWithin(name, output.place);
+    });
+}
+
+bool WaylandTest::isWithin(const QString& name, const QRect& area)
+{
     const QRect r = where(name);
-    for (const Output& output : m_outputs) {
-        if (!r.isEmpty() && output.place.contains(r))
-            return true;
-    }
-    return false;
+    return !r.isEmpty() && area.contains(r);
 }
 
 void WaylandTest::sendKeys(const QStringList& words)

@@ -55,6 +55,8 @@ protected:
     bool isOnAnOutput(const QPoint& p) const;
     /// Whether the widget is wholly on one output.
     bool isOnOneOutput(const QString& name);
+    /// Whether the widget is wholly on the output that holds the region.
+    bool isOnOutputOf(const QString& name, const QRect& region);
 
     /// A key for the capture, when it has had the time to take the keyboard.
     void key(const QString& name);
@@ -85,6 +87,7 @@ protected:
 
 private:
     void showTiles();
+    bool isWithin(const QString& name, const QRect& area);
     void sendKeys(const QStringList& words);
     QString overlayDifference(int output, const QRect& loupe) const;
 

@@ -289,7 +289,7 @@ void tst_wayland::fontSizeListOpensAndTakesKeysAndClicks()
         const QImage before = pictureOfAll();
         clickOn("QComboBox");
         QVERIFY2(waitFor([&] { return !where(list).isEmpty(); }), "no list opens");
-        QVERIFY2(isOnOneOutput(list), qPrintable("the list is at " + text(where(list))));
+        QVERIFY2(isOnOutputOf(list, region), qPrintable("the list is at " + text(where(list))));
         const QRect inner = pixelsOf(grown(where(list), -2));
         QVERIFY2(waitFor([&] { return pictureOfAll().copy(inner) != before.copy(inner); }),
                  "the list is not seen");
@@ -326,7 +326,7 @@ void tst_wayland::toolTipIsShown()
     moveTo(button);
     QVERIFY2(waitFor([this] { return !where("QTipLabel").isEmpty(); }), "no tool tip opens");
     const QRect tip = where("QTipLabel");
-    QVERIFY2(isOnOneOutput("QTipLabel"), qPrintable("the tool tip is at " + text(tip)));
+    QVERIFY2(isOnOutputOf("QTipLabel", region), qPrintable("the tool tip is at " + text(tip)));
     const QPoint inside = pixelsOf(grown(tip, -3)).bottomRight();
     QVERIFY2(waitFor([&] { return pictureOfAll().pixelColor(inside) == Qt::white; }),
              qPrintable("the tool tip at " + text(tip) + " is covered"));

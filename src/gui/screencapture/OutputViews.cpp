@@ -18,6 +18,12 @@
 namespace
 {
 
+/// Where the coordinates of the window begin on the desktop.
+QPoint corner()
+{
+    return QGuiApplication::primaryScreen()->virtualGeometry().topLeft();
+}
+
 /// The part of the scene that one output shows.
 class OutputView : public QGraphicsView
 {
@@ -96,14 +102,13 @@ private:
 OutputViews::OutputViews(QWidget* window)
     : m_window(window)
 {
-    const QRect all = QGuiApplication::primaryScreen()->virtualGeometry();
-    m_scene.setSceneRect(QRect(QPoint(), all.size()));
+    m_scene.setSceneRect(QRect(QPoint(), QGuiApplication::primaryScreen()->virtualSize()));
     window->setGeometry(m_scene.sceneRect().toRect());
     m_proxy = m_scene.addWidget(window);
     const QList<QScreen*> screens = QGuiApplication::screens();
     for (QScreen* screen : screens)
-        m_views.push_back(std::make_unique<OutputView>(
-            &m_scene, window, screen, screen->geometry().translated(-all.topLeft())));
+        m_views.push_back(std::make_unique<OutputView>(&m_scene, window, screen,
+                                                       screen->geometry().translated(-corner())));
     m_scene.setActiveWindow(m_proxy);
     window->show();
     window->setFocus();
@@ -123,13 +128,13 @@ QVector<QRect> OutputViews::outputs()
 {
     QVector<QRect> outputs;
     for (const QScreen* screen : QGuiApplication::screens())
-        outputs << screen->geometry().translated(-screen->virtualGeometry().topLeft());
+        outputs << screen->geometry().translated(-corner());
     return outputs;
 }
 
 QPoint OutputViews::cursorPos()
 {
-    return QCursor::pos() - QGuiApplication::primaryScreen()->virtualGeometry().topLeft();
+    return QCursor::pos() - corner();
 }
 
 // Tool tips are not: Qt shows them natively.
@@ -147,12 +152,14 @@ bool OutputViews::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
-// Qt bounds what the window opens by no output, and shows a file dialog outside of the scene.
+// Qt bounds what the window opens by no output, and shows a file dialog outside of the scene. It
+// places both on the desktop.
 void OutputViews::place(QWidget* opened)
 {
     opened->setAttribute(Qt::WA_DontShowOnScreen);
-    const QRect place = opened->geometry();
-    opened->move(overlay::posWithin(overlay::nearestScreen(place.center(), outputs()), place));
+    const QRect place = opened->geometry().translated(-corner());
+    const QRect output = overlay::nearestScreen(place.center(), outputs());
+    opened->move(overlay::posWithin(output, place) + corner());
 }
 
 // After a list or a dialog has closed, no item has the focus. The key that closed a list goes
