@@ -18,6 +18,8 @@ private slots:
     void toolBarIsBoundedAtTheFirstPixelOfItsScreen();
     void windowCoversTheDesktopHoweverQtRounds_data();
     void windowCoversTheDesktopHoweverQtRounds();
+    void pictureHasRoom_data();
+    void pictureHasRoom();
     void nearestScreenIsFound_data();
     void nearestScreenIsFound();
     void barIsMovedOntoItsScreen_data();
@@ -148,6 +150,27 @@ void tst_OverlayGeometry::windowCoversTheDesktopHoweverQtRounds()
         if (isWhole)
             QCOMPARE(length, pixels);
     }
+}
+
+void tst_OverlayGeometry::pictureHasRoom_data()
+{
+    QTest::addColumn<QSizeF>("size");
+    QTest::addColumn<bool>("onDesktop");
+    QTest::newRow("as the desktop") << QSizeF(3000, 1000) << true;
+    QTest::newRow("rounded") << QSizeF(2998.4, 1001.5) << true;
+    QTest::newRow("not so wide") << QSizeF(2998, 1000) << false;
+    QTest::newRow("not so high") << QSizeF(3000, 998) << false;
+    QTest::newRow("as the screen") << QSizeF(2000, 1000) << false;
+    QTest::newRow("larger") << QSizeF(3002, 1002) << false;
+}
+
+void tst_OverlayGeometry::pictureHasRoom()
+{
+    QFETCH(QSizeF, size);
+    QFETCH(bool, onDesktop);
+    const QRect screen(1000, 0, 2000, 1000);
+    QCOMPARE(overlay::roomFor(size, QSize(3000, 1000), screen),
+             onDesktop ? QRect(0, 0, 3000, 1000) : screen);
 }
 
 void tst_OverlayGeometry::nearestScreenIsFound_data()

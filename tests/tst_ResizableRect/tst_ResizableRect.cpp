@@ -91,6 +91,7 @@ private slots:
     void occupiedAreaIsThatOfPenAndLabel();
     void clampsToTheWidgetAndOneMorePixel_data();
     void clampsToTheWidgetAndOneMorePixel();
+    void limitsTakeThePlaceOfTheWidget();
     void setRectEmitsOnceAndClamps();
     void signalComesAfterTheHandlesAndBeforeTheRepaint();
     void settersRepaint();
@@ -264,6 +265,27 @@ void tst_ResizableRect::clampsToTheWidgetAndOneMorePixel()
     rect.ensureSizingRectInWidget(r);
     QCOMPARE(r, sized);
     QCOMPARE(rect.isRectInWidget(given), given == sized);
+}
+
+void tst_ResizableRect::limitsTakeThePlaceOfTheWidget()
+{
+    Host host;
+    ResizableRect rect(&host, QRect());
+    rect.setLimits(QRect(50, 60, 100, 80));
+    QRect moved(0, 0, 30, 20);
+    rect.ensureMovingRectInWidget(moved);
+    QCOMPARE(moved, QRect(50, 60, 30, 20));
+    moved.translate(500, 500);
+    rect.ensureMovingRectInWidget(moved);
+    QCOMPARE(moved, QRect(120, 120, 30, 20));
+    QVERIFY(rect.isRectInWidget(moved));
+    QVERIFY(!rect.isRectInWidget(moved.translated(1, 0)));
+    QVERIFY(!rect.isRectInWidget(QRect(50, 59, 10, 10)));
+    rect.setRect(QRect(QPoint(0, 0), QPoint(300, 200)));
+    QCOMPARE(rect.rect(), QRect(50, 60, 100, 80));
+    rect.setLimits(QRect());
+    rect.setRect(QRect(10, 20, 100, 50));
+    QCOMPARE(rect.rect(), QRect(10, 20, 100, 50));
 }
 
 void tst_ResizableRect::setRectEmitsOnceAndClamps()

@@ -73,6 +73,16 @@ QRect NativeDesktop::coveringGeometry() const
                           : QRect(QPoint(), size / screen.devicePixelRatio());
 }
 
+QRect NativeDesktop::primaryScreen() const
+{
+    const QScreen& primary = *QGuiApplication::primaryScreen();
+    if (!m_root)
+        return primary.geometry().translated(-primary.virtualGeometry().topLeft());
+    const qreal ratio = middleScreen()->devicePixelRatio();
+    const QRect area = pixelsOf(primary);
+    return {area.topLeft() / ratio, area.size() / ratio};
+}
+
 // Unscaled coordinates are exact, and need no answer from the server.
 QPoint NativeDesktop::posOf(const QWidget& window) const
 {

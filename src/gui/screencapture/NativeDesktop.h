@@ -34,6 +34,9 @@ public:
     /// Returns the geometry of such a window, in coordinates of the screen on which Qt finds it.
     QRect coveringGeometry() const;
 
+    /// Returns what such a window covers of the primary screen, in its own coordinates.
+    QRect primaryScreen() const;
+
     /// Returns where the top-left corner of `window` is.
     QPoint posOf(const QWidget& window) const;
 

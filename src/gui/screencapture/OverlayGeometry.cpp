@@ -51,6 +51,14 @@ int coveringLength(int pixels, const QVector<qreal>& ratios)
     return isWhole ? pixels : pixels + qCeil(largest / 2);
 }
 
+QRect roomFor(const QSizeF& size, const QSize& desktop, const QRect& screen)
+{
+    constexpr qreal kRounding = 2;
+    const QSizeF beside = size - desktop;
+    const bool isDesktop = qAbs(beside.width()) < kRounding && qAbs(beside.height()) < kRounding;
+    return isDesktop ? QRect(QPoint(), desktop) : screen;
+}
+
 QRect nearestScreen(const QPoint& p, const QVector<QRect>& screens)
 {
     const auto distance = [&p](const QRect& screen) {

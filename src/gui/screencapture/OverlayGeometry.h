@@ -4,6 +4,7 @@
 #include <QPoint>
 #include <QRect>
 #include <QSize>
+#include <QSizeF>
 #include <QVector>
 
 /// Geometry of the capture window: pure functions of rectangles and points in window coordinates
@@ -30,6 +31,10 @@ QPoint loupePos(const QPoint& cursor, const QSize& window);
 /// Returns the length, in physical pixels, of a window that covers `pixels`, also after Qt has
 /// rounded the length to whole coordinates of any of the `ratios`.
 int coveringLength(int pixels, const QVector<qreal>& ratios);
+
+/// Returns what a picture of `size` is shown in the middle of: the desktop where it is as large,
+/// but for rounding, and else `screen`.
+QRect roomFor(const QSizeF& size, const QSize& desktop, const QRect& screen);
 
 /// Returns the one of `screens` that contains `p`, or the nearest one. There is at least one.
 QRect nearestScreen(const QPoint& p, const QVector<QRect>& screens);

@@ -221,40 +221,43 @@ int ResizableRect::wherePoint(const QPoint& p) const
     return m_rect.adjusted(band, band, -band, -band).contains(p) ? SECTION_INSIDE : SECTION_BORDER;
 }
 
-// Intended, here and in the two functions below: the right and bottom edges may reach the widget's
-// width and height, one pixel beyond its last column and row.
-void ResizableRect::ensureMovingRectInWidget(QRect& r)
+// Intended: the right and bottom edges may reach the widget's width and height, one pixel beyond
+// its last column and row.
+QRect ResizableRect::limits() const
 {
     Q_ASSERT(m_widget != NULL);
-    const QSize size = m_widget->size();
+    return m_limits.isNull() ? QRect(QPoint(), m_widget->size() + QSize(1, 1)) : m_limits;
+}
 
-    int dx = r.left() < 0 ? -r.left() : 0;
-    if (r.right() > size.width())
-        dx = size.width() - r.right();
+void ResizableRect::ensureMovingRectInWidget(QRect& r)
+{
+    const QRect within = limits();
+    int dx = r.left() < within.left() ? within.left() - r.left() : 0;
+    if (r.right() > within.right())
+        dx = within.right() - r.right();
     r.moveLeft(r.left() + dx);
 
-    int dy = r.top() < 0 ? -r.top() : 0;
-    if (r.bottom() > size.height())
-        dy = size.height() - r.bottom();
+    int dy = r.top() < within.top() ? within.top() - r.top() : 0;
+    if (r.bottom() > within.bottom())
+        dy = within.bottom() - r.bottom();
     r.moveTop(r.top() + dy);
 }
 
 void ResizableRect::ensureSizingRectInWidget(QRect& r)
 {
-    Q_ASSERT(m_widget != NULL);
-    const QSize size = m_widget->size();
-    r.setLeft(qBound(0, r.left(), size.width()));
-    r.setRight(qBound(0, r.right(), size.width()));
-    r.setTop(qBound(0, r.top(), size.height()));
-    r.setBottom(qBound(0, r.bottom(), size.height()));
+    const QRect within = limits();
+    r.setLeft(qBound(within.left(), r.left(), within.right()));
+    r.setRight(qBound(within.left(), r.right(), within.right()));
+    r.setTop(qBound(within.top(), r.top(), within.bottom()));
+    r.setBottom(qBound(within.top(), r.bottom(), within.bottom()));
 }
 
 bool ResizableRect::isRectInWidget(const QRect& r)
 {
-    Q_ASSERT(m_widget != NULL);
+    const QRect within = limits();
     const QRect n = qtversions::normalized(r);
-    return n.top() >= 0 && n.bottom() <= m_widget->height() && n.left() >= 0 &&
-           n.right() <= m_widget->width();
+    return n.top() >= within.top() && n.bottom() <= within.bottom() && n.left() >= within.left() &&
+           n.right() <= within.right();
 }
 
 // The outset of one pixel on the left and top only is intended. The raw rectangle is used, so that

@@ -93,6 +93,9 @@ public:
     /// Returns the section under `p`. Where handles overlap, the one with the lower id wins.
     int wherePoint(const QPoint& p) const;
 
+    /// Keeps the rectangle within `limits` from now on, instead of within the widget; a null
+    /// rectangle undoes that.
+    void setLimits(const QRect& limits) { m_limits = limits; }
     /// Moves `r` back inside the widget without resizing it.
     void ensureMovingRectInWidget(QRect& r);
     /// Clamps each edge of `r` to the widget independently; an inverted rectangle stays inverted.
@@ -145,6 +148,7 @@ signals:
 
 private:
     void init();
+    QRect limits() const;
     void mousePressEventFilter(QMouseEvent* event);
     void mouseMoveEventFilter(QMouseEvent* event);
     void mouseReleaseEventFilter(QMouseEvent* event);
@@ -159,6 +163,7 @@ private:
     QWidget* m_widget;
     QCursor m_widgetCursor;
     QRect m_rect;
+    QRect m_limits;
     ArrowMap m_arrowMap;
     QList<QRect> m_sectionRects;
     QList<int> m_sectionCursors;

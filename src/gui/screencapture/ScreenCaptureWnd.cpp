@@ -29,6 +29,7 @@
 #include <QScopeGuard>
 #include <QScreen>
 #include <QShowEvent>
+#include <QStyle>
 #include <QTimer>
 #include <QWindow>
 
@@ -39,9 +40,9 @@ namespace
 constexpr int kRubberBandShowsFromPx = 3;
 
 // The mosaic works on 8 bits per channel, which not every display has.
-QImage in8BitsPerChannel(const QImage& image)
+QImage in8BitsPerChannel(const QImage& image, QImage::Format format = QImage::Format_RGB32)
 {
-    return mosaic::holdsQRgb(image) ? image : image.convertToFormat(QImage::Format_RGB32);
+    return mosaic::holdsQRgb(image) ? image : image.convertToFormat(format);
 }
 
 ResizableRect* createCaptureRect(QWidget* window)
@@ -142,7 +143,11 @@ void ScreenCaptureWnd::init(const QImage* given)
     m_desktopImage = new QImage;
     m_rectCapture = createCaptureRect(this);
     m_magnifier = createMagnifier(this);
-    takeDesktop(given);
+    s_failure.clear();
+    if (given)
+        takeGiven(*given);
+    else
+        takeDesktop();
     connect(m_rectCapture, SIGNAL(rectChanged(const QRect&)), this,
             SLOT(onCaptureRectChanged(const QRect&)));
     m_grabWindowRect = makeGrabWholeWindowRect(QCursor::pos());
@@ -150,16 +155,33 @@ void ScreenCaptureWnd::init(const QImage* given)
 }
 
 // The only picture of a capture: region, loupe and dimmed surround are all cut from it.
-void ScreenCaptureWnd::takeDesktop(const QImage* given)
+void ScreenCaptureWnd::takeDesktop()
 {
-    if (given) {
-        setProperty(pixels::kPictureRatio, given->devicePixelRatio());
-        onDesktopTaken(*given, given->isNull() ? tr("There is no picture.") : QString());
-        return;
-    }
     m_source = new DesktopSource(this);
     connect(m_source, &DesktopSource::taken, this, &ScreenCaptureWnd::onDesktopTaken);
     m_source->take(*m_nativeDesktop);
+}
+
+// What a screen shows has no alpha; what a host hands in may have one.
+void ScreenCaptureWnd::takeGiven(const QImage& picture)
+{
+    if (picture.isNull()) {
+        setProperty(pixels::kPictureRatio, 1);
+        onDesktopTaken(picture, tr("There is no picture."));
+        return;
+    }
+    const QSizeF size = QSizeF(picture.size()) / picture.devicePixelRatio();
+    const QRect room = overlay::roomFor(size, m_nativeDesktop->coveringGeometry().size(),
+                                        m_nativeDesktop->primaryScreen());
+    const qreal tooLarge =
+        qMax(1.0, qMax(size.width() / room.width(), size.height() / room.height()));
+    const QSizeF shown = size / tooLarge;
+    m_givenRect = QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter,
+                                      {qCeil(shown.width()), qCeil(shown.height())}, room);
+    setProperty(pixels::kPictureRatio, picture.devicePixelRatio() * tooLarge);
+    onDesktopTaken(in8BitsPerChannel(picture, picture.hasAlphaChannel() ? QImage::Format_ARGB32
+                                                                        : QImage::Format_RGB32),
+                   QString());
 }
 
 void ScreenCaptureWnd::onDesktopTaken(const QImage& picture, const QString& failure)
@@ -195,7 +217,8 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
     m_shown = full;
     if (m_source)
         return;
-    if (m_desktopImage->isNull() && m_nativeDesktop->isWayland()) {
+    // Intended: on X11 a desktop that cannot be grabbed is an empty surface.
+    if (m_desktopImage->isNull() && property(pixels::kPictureRatio).isValid()) {
         QTimer::singleShot(0, this, &ScreenCaptureWnd::reject);
         return;
     }
@@ -213,6 +236,7 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
             m_views = new OutputViews(this);
         else
             setGeometry(full ? m_nativeDesktop->coveringGeometry() : m_normalGeometry);
+        m_rectCapture->setLimits(full ? m_givenRect : QRect());
         m_fullDesktop = full;
     }
     show();
@@ -234,15 +258,12 @@ QImage ScreenCaptureWnd::captureImage() const
 // A window manager may have put the window elsewhere than asked.
 DesktopPicture ScreenCaptureWnd::desktopPicture() const
 {
-    const QPoint pos = m_views ? QPoint() : m_nativeDesktop->posOf(*this);
-    return {*m_desktopImage, m_dimmedImage, (QPointF(pos) * density()).toPoint(),
-            pixels::ratioOf(*this)};
-}
-
-// How many pixels of the picture are in each of the X server's.
-qreal ScreenCaptureWnd::density() const
-{
-    return pixels::ratioOf(*this) / devicePixelRatioF();
+    const qreal ratio = pixels::ratioOf(*this);
+    // How many pixels of the picture are in each of the X server's.
+    const qreal density = ratio / devicePixelRatioF();
+    const QPointF pos = m_views ? QPoint() : m_nativeDesktop->posOf(*this);
+    return {*m_desktopImage, m_dimmedImage,
+            (pos * density).toPoint() - pixels::nearest(m_givenRect, ratio).topLeft(), ratio};
 }
 
 // After a reset the canvas holds nothing of the region that stands now.
@@ -570,11 +591,10 @@ QRect ScreenCaptureWnd::screenAt(const QPoint& p) const
         return rect();
     if (m_views)
         return overlay::nearestScreen(p, OutputViews::outputs());
-    const DesktopPicture desktop = desktopPicture();
+    const DesktopPicture desktop{{}, {}, m_nativeDesktop->posOf(*this), devicePixelRatioF()};
     QVector<QRect> areas;
     for (const QScreen* screen : screens) {
-        const QRect area = pixels::nearest(NativeDesktop::pixelsOf(*screen), density());
-        const QRect covered = desktop.windowRect(area) & rect();
+        const QRect covered = desktop.windowRect(NativeDesktop::pixelsOf(*screen)) & rect();
         if (!covered.isEmpty())
             areas << covered;
     }
@@ -606,7 +626,7 @@ void ScreenCaptureWnd::paintEvent(QPaintEvent* event)
     for (const QRect& changed : event->region()) {
         QPainter painter(this);
         // Qt leaves a painter unscaled below a ratio of 1.
-        painter.scale(qMin(scene.desktop.ratio, 1.0), qMin(scene.desktop.ratio, 1.0));
+        painter.scale(qMin(devicePixelRatioF(), 1.0), qMin(devicePixelRatioF(), 1.0));
         painter.setClipRect(changed);
         overlay::paintSurround(painter, scene, changed);
         overlay::paintRegion(painter, scene);

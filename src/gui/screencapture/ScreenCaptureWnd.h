@@ -59,9 +59,9 @@ public:
     /// capture from a zero timer rather than from that slot.
     static ScreenCaptureWnd* screenCaptureWnd();
 
-    /// The same for a picture that the host has already, of which each coordinate of the window
-    /// shows as many pixels as its ratio says. Returns the window of the running capture, with its
-    /// own picture, if there is one.
+    /// The same for a picture that the host has already. One of the desktop's size covers it; any
+    /// other stands in the middle of the primary screen, smaller where it is too large, and a
+    /// region ends where it does. A null picture ends the capture.
     static ScreenCaptureWnd* captureOf(const QImage& picture);
 
     /// Returns why the last capture had no picture of the desktop, for the user to read; empty
@@ -157,7 +157,8 @@ private:
     explicit ScreenCaptureWnd(const QImage* given);
 
     void init(const QImage* given);
-    void takeDesktop(const QImage* given);
+    void takeDesktop();
+    void takeGiven(const QImage& picture);
     void onDesktopTaken(const QImage& picture, const QString& failure);
     void initToolBars();
     void initSubToolBar();
@@ -167,7 +168,6 @@ private:
     void deliverAndHide(const QImage& image, bool finished);
     void hideCanvas();
     DesktopPicture desktopPicture() const;
-    qreal density() const;
     void cancelIfShown();
     void followPlace();
     void updateMagnifier(const QPointF& pos);
@@ -200,6 +200,8 @@ private:
     const char* m_member = nullptr;
     QImage* m_desktopImage = nullptr;
     QImage m_dimmedImage;
+    /// Where a picture that the host has handed in stands; null without one.
+    QRect m_givenRect;
     NativeDesktop* m_nativeDesktop = nullptr;
     ResizableRect* m_rectCapture = nullptr;
     int m_state = StateIdle;
