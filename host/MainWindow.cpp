@@ -45,7 +45,7 @@ MainWindow::MainWindow(int delayMs)
     resize(kInitialSizePx);
 
     connect(&m_request, &CaptureRequest::captured, this, &MainWindow::showResult);
-    connect(&m_request, &CaptureRequest::cancelled, this, &MainWindow::comeBack);
+    connect(&m_request, &CaptureRequest::cancelled, this, &MainWindow::onCancelled);
     connect(&m_request, &CaptureRequest::failed, this, [this](const QString& reason) {
         comeBack();
         statusBar()->showMessage(reason);
@@ -75,7 +75,20 @@ void MainWindow::showResult(const QImage& picture)
     m_saveAs->setEnabled(true);
     comeBack();
     fitResult();
-    statusBar()->showMessage(tr("%1 x %2 pixels").arg(picture.width()).arg(picture.height()));
+    tellSize();
+}
+
+void MainWindow::onCancelled()
+{
+    comeBack();
+    tellSize();
+}
+
+void MainWindow::tellSize()
+{
+    statusBar()->showMessage(
+        m_picture.isNull() ? QString()
+                           : tr("%1 x %2 pixels").arg(m_picture.width()).arg(m_picture.height()));
 }
 
 void MainWindow::comeBack()

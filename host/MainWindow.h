@@ -25,6 +25,7 @@ protected:
 private slots:
     void takeScreenshot();
     void showResult(const QImage& picture);
+    void onCancelled();
     void comeBack();
     void copy();
     void saveAs();
@@ -32,6 +33,7 @@ private slots:
 private:
     QPushButton* addButton(const QString& text, void (MainWindow::*slot)());
     void fitResult();
+    void tellSize();
 
     const int m_delayMs;
     CaptureRequest m_request;

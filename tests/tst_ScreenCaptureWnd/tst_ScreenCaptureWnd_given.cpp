@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "CaptureProbe.h"
+#include "Grabs.h"
 #include "Pictures.h"
 #include "Skip.h"
 
@@ -7,40 +8,20 @@
 #include <QScreen>
 #include <QtMath>
 #include <atomic>
-#include <dlfcn.h>
-#include <xcb/xcb.h>
 
 namespace
 {
 
-int s_grabs = 0;
-bool s_grabsFail = false;
 std::atomic<int> s_buses{0};
 
 } // namespace
 
-// Stand before the functions with which Qt takes pictures of the screen and connects to a bus, and
-// count the calls. There is no bus.
-extern "C" {
-xcb_get_image_reply_t* xcb_get_image_reply(xcb_connection_t* connection,
-                                           xcb_get_image_cookie_t cookie,
-                                           xcb_generic_error_t** error)
-{
-    static const auto next =
-        reinterpret_cast<decltype(&xcb_get_image_reply)>(::dlsym(RTLD_NEXT, "xcb_get_image_reply"));
-    ++s_grabs;
-    xcb_get_image_reply_t* reply = next(connection, cookie, error);
-    if (!s_grabsFail)
-        return reply;
-    std::free(reply);
-    return nullptr;
-}
-
-void* dbus_bus_get_private(int /*type*/, void* /*error*/)
+// Stands before the function with which Qt connects to a bus, and counts the calls. There is no
+// bus.
+extern "C" void* dbus_bus_get_private(int /*type*/, void* /*error*/)
 {
     ++s_buses;
     return nullptr;
-}
 }
 
 namespace
