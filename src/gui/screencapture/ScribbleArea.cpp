@@ -542,9 +542,10 @@ bool ScribbleArea::drawText()
     // QTextEdit draws no text cursor without focus, save in a graphics scene, which does not tell
     // it.
     m_textEdit->clearFocus();
-    const auto restore = qScopeGuard(
-        [this, width = m_textEdit->cursorWidth()] { m_textEdit->setCursorWidth(width); });
-    m_textEdit->setCursorWidth(0);
+    const auto restore = qScopeGuard([this, flags = m_textEdit->textInteractionFlags()] {
+        m_textEdit->setTextInteractionFlags(flags);
+    });
+    m_textEdit->setTextInteractionFlags(Qt::NoTextInteraction);
     drawOn(m_image, [&](QPainter& painter) {
         m_textEdit->render(&painter, pos, QRegion(),
                            QWidget::DrawWindowBackground | QWidget::DrawChildren);
