@@ -6,9 +6,12 @@
 namespace
 {
 
+// Qt blends in whole levels.
+constexpr int kRounding = 1;
+
 bool isBetween(int before, int after, int end)
 {
-    return qMin(before, end) <= after && after <= qMax(before, end);
+    return qMin(before, end) - kRounding <= after && after <= qMax(before, end) + kRounding;
 }
 
 } // namespace
