@@ -2,8 +2,8 @@
 // A host that takes one capture and says on request where its widgets stand and what they hold:
 //   desktop-host PICTURE
 // It answers each line that it reads with one line. At the end it writes the picture and a last
-// line, "captured" or "cancelled". With the environment variable host_scales it asks Qt itself to
-// follow the resolution of the screens.
+// line: "captured", "cancelled", or why the capture failed. With the environment variable
+// host_scales it asks Qt itself to follow the resolution of the screens.
 #include <ScreenCaptureTool.h>
 #include <ScreenCaptureWnd.h>
 
@@ -12,6 +12,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QGraphicsProxyWidget>
+#include <QGraphicsView>
 #include <QLineEdit>
 #include <QScreen>
 #include <QSocketNotifier>
@@ -85,10 +86,23 @@ QString content(QWidget* widget)
     return "nothing";
 }
 
-void openDialog()
+/// The shape that the output under the pointer shows.
+Qt::CursorShape cursorShape()
+{
+    for (const QWidget* widget : QApplication::topLevelWidgets()) {
+        const auto* view = qobject_cast<const QGraphicsView*>(widget);
+        if (view && view->viewport()->underMouse())
+            return view->viewport()->cursor().shape();
+    }
+    return Qt::BlankCursor;
+}
+
+void openDialog(bool modal)
 {
     auto* dialog = new QDialog;
     dialog->setObjectName("dialog of the host");
+    dialog->setWindowTitle(dialog->objectName());
+    dialog->setModal(modal);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     auto* line = new QLineEdit;
     line->setObjectName("line of the dialog");
@@ -139,8 +153,10 @@ private:
         } else if (question == "be the overlay") {
             ScreenCaptureWnd::screenCaptureWnd()->showFullDesktop(true);
             say("done");
+        } else if (question == "cursor") {
+            say(QString::number(cursorShape()));
         } else {
-            openDialog();
+            openDialog(question == "open modal");
             say("opened");
         }
     }
@@ -157,7 +173,8 @@ public slots:
     {
         if (finished)
             picture.save(QApplication::arguments().at(1));
-        say(finished ? "captured" : "cancelled");
+        const QString failure = ScreenCaptureWnd::failure();
+        say(finished ? "captured" : failure.isEmpty() ? "cancelled" : "failed: " + failure);
         QApplication::quit();
     }
 };

@@ -47,7 +47,7 @@ QString HostProcess::ask(const QString& question)
             return {};
     }
     QString line = QString::fromUtf8(m_process.readLine()).trimmed();
-    if (line == "captured" || line == "cancelled") {
+    if (line == "captured" || line == "cancelled" || line.startsWith("failed: ")) {
         m_end = line;
         return {};
     }

@@ -43,7 +43,7 @@ public:
     /// The same for the densest screen.
     qreal largestRatio() { return ask("largest ratio").toDouble(); }
 
-    /// "captured" or "cancelled"; empty where the capture does not end.
+    /// "captured", "cancelled" or "failed: " and why; empty where the capture does not end.
     QString end();
     QImage picture() const { return QImage(m_scratch.filePath("picture.bmp")); }
 

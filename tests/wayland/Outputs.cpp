@@ -35,17 +35,25 @@ QImage picture(const QStringList& words)
         .convertToFormat(QImage::Format_RGB32);
 }
 
-qint64 focused(const QJsonObject& node)
+/// The node of the tree whose member has that value; empty where there is none.
+QJsonObject nodeWith(const QString& member, const QJsonValue& value, const QJsonObject& tree)
 {
-    if (node["focused"].toBool())
-        return node["pid"].toInt();
+    if (tree[member] == value)
+        return tree;
     for (const char* kind : {"nodes", "floating_nodes"}) {
-        for (const QJsonValue& child : node[QLatin1String(kind)].toArray()) {
-            if (const qint64 pid = focused(child.toObject()))
-                return pid;
+        for (const QJsonValue& child : tree[QLatin1String(kind)].toArray()) {
+            const QJsonObject found = nodeWith(member, value, child.toObject());
+            if (!found.isEmpty())
+                return found;
         }
     }
-    return 0;
+    return {};
+}
+
+QRect place(const QJsonValue& value)
+{
+    const QJsonObject r = value.toObject();
+    return {r["x"].toInt(), r["y"].toInt(), r["width"].toInt(), r["height"].toInt()};
 }
 
 } // namespace
@@ -56,12 +64,11 @@ QVector<Output> outputs()
     QRect all;
     for (const QJsonValue& value : answer("get_outputs").array()) {
         const QJsonObject output = value.toObject();
-        const QJsonObject r = output["rect"].toObject();
-        const QRect place(r["x"].toInt(), r["y"].toInt(), r["width"].toInt(), r["height"].toInt());
-        if (output["active"].toBool()) {
-            outputs << Output{output["name"].toString(), place, output["scale"].toDouble()};
-            all |= place;
-        }
+        if (!output["active"].toBool())
+            continue;
+        outputs << Output{output["name"].toString(), place(output["rect"]),
+                          output["scale"].toDouble()};
+        all |= outputs.last().place;
     }
     for (Output& output : outputs)
         output.place.translate(-all.topLeft());
@@ -101,7 +108,13 @@ void tellCompositor(const QString& command)
 
 qint64 processWithKeyboard()
 {
-    return focused(answer("get_tree").object());
+    return nodeWith("focused", true, answer("get_tree").object())["pid"].toInt();
+}
+
+QRect placeOf(const QString& title)
+{
+    const QJsonObject all = answer("get_tree").object();
+    return place(nodeWith("name", title, all)["rect"]).translated(-place(all["rect"]).topLeft());
 }
 
 // It names its socket so: sway-ipc.USER.PROCESS.sock
@@ -110,10 +123,8 @@ pid_t compositor()
     return qEnvironmentVariable("SWAYSOCK").section('.', -2, -2).toInt();
 }
 
-// The one that takes the picture.
-pid_t portal()
+pid_t processOf(const QString& service)
 {
-    const QDBusConnectionInterface* bus = QDBusConnection::sessionBus().interface();
-    const uint process = bus->servicePid("org.freedesktop.impl.portal.desktop.wlr");
+    const uint process = QDBusConnection::sessionBus().interface()->servicePid(service);
     return static_cast<pid_t>(process);
 }

@@ -37,6 +37,14 @@ void tellCompositor(const QString& command);
 /// The process whose window has the keyboard; 0 where none has it.
 qint64 processWithKeyboard();
 
-/// The processes of the session.
+/// A window of that title, from the corner of all outputs; empty where there is none.
+QRect placeOf(const QString& title);
+
 pid_t compositor();
-pid_t portal();
+
+/// The process that has a name on the session bus.
+pid_t processOf(const QString& service);
+
+constexpr char kPortal[] = "org.freedesktop.portal.Desktop";
+/// What takes the pictures for the portal.
+constexpr char kPortalBackend[] = "org.freedesktop.impl.portal.desktop.wlr";

@@ -17,16 +17,12 @@
 class StoppedPortal
 {
 public:
-    StoppedPortal()
-        : m_portal(portal())
-    {
-        kill(m_portal, SIGSTOP);
-    }
-    ~StoppedPortal() { kill(m_portal, SIGCONT); }
+    StoppedPortal() { kill(m_backend, SIGSTOP); }
+    ~StoppedPortal() { kill(m_backend, SIGCONT); }
     Q_DISABLE_COPY(StoppedPortal)
 
 private:
-    pid_t m_portal;
+    const pid_t m_backend = processOf(kPortalBackend);
 };
 
 /// Base of tests in which another process takes captures, with real input, in the session that

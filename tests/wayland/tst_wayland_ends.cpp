@@ -16,6 +16,8 @@ private slots:
     void removedOutputCancels();
     void compositorIsKilled_data();
     void compositorIsKilled();
+    void portalIsKilled_data();
+    void portalIsKilled();
 
 private:
     QRect region() const
@@ -101,6 +103,28 @@ void tst_wayland_ends::compositorIsKilled()
     QCOMPARE(m_host->end(), QString());
     QVERIFY2(!m_host->hasCrashed(), "the host crashes");
     QCOMPARE(m_host->exitCode(), 1);
+}
+
+void tst_wayland_ends::portalIsKilled_data()
+{
+    QTest::addColumn<QString>("service");
+    QTest::addColumn<QString>("end");
+    QTest::newRow("portal") << kPortal << "failed: The desktop's portal has gone away.";
+    QTest::newRow("backend") << kPortalBackend
+                             << "failed: The desktop's portal could not take the screenshot.";
+}
+
+void tst_wayland_ends::portalIsKilled()
+{
+    QFETCH(QString, service);
+    QFETCH(QString, end);
+    const pid_t killed = processOf(service);
+    QVERIFY(killed);
+    const StoppedPortal stopped;
+    m_host.reset(new HostProcess);
+    QCOMPARE(m_host->ask("where ScreenCaptureWnd"), QString("nowhere"));
+    kill(killed, SIGKILL);
+    expectEnd(end);
 }
 
 QTEST_GUILESS_MAIN(tst_wayland_ends)
