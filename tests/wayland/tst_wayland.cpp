@@ -258,20 +258,124 @@ void tst_wayland::addRegions()
 
 void tst_wayland::typedTextArrives_data()
 {
-    addRegions();
+    QTest::addColumn<QRect>("region");
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QString>("text");
+    for (int i = 0; i < m_outputs.size(); ++i) {
+        const auto row = [&](const QString& name, const QString& keys, const QString& text) {
+            QTest::newRow(qPrintable(name + " on " + m_outputs[i].name))
+                << regionOn(i) << keys << text;
+        };
+        row("typed", "Harbour 46", "Harbour 46");
+        row("composed", "'ea", "\u00e9a");
+    }
 }
 
+// On the session's keyboard the apostrophe is a dead key.
 void tst_wayland::typedTextArrives()
 {
     QFETCH(QRect, region);
+    QFETCH(QString, keys);
+    QFETCH(QString, text);
     startDrawing(region, "text");
     drag(region.topLeft() + QPoint(50, 50), region.topLeft() + QPoint(250, 150));
     QVERIFY2(waitFor([this] { return !where("QTextEdit").isEmpty(); }), "there is no text box");
-    type("Harbour 46");
-    QVERIFY2(waitFor([&] { return m_host->content("QTextEdit") == "Harbour 46"; }),
+    type(keys);
+    QVERIFY2(waitFor([&] { return m_host->content("QTextEdit") == text; }),
              qPrintable("the text box holds " + m_host->content("QTextEdit")));
     key("Escape");
     expectEnd("cancelled");
+}
+
+void tst_wayland::cursorHasTheShapeOfWhatIsUnderIt_data()
+{
+    addRegions();
+}
+
+void tst_wayland::cursorHasTheShapeOfWhatIsUnderIt()
+{
+    QFETCH(QRect, region);
+    startCapture();
+    select(region);
+    const auto expectShape = [this](const QPoint& p, Qt::CursorShape shape) {
+        moveTo(p);
+        QVERIFY2(waitFor([&] { return m_host->ask("cursor").toInt() == shape; }),
+                 qPrintable(text(p) + ": " + m_host->ask("cursor")));
+    };
+    expectShape(region.topLeft() - QPoint(20, 20), Qt::BitmapCursor);
+    expectShape(region.center(), Qt::SizeAllCursor);
+    expectShape(region.topLeft(), Qt::SizeFDiagCursor);
+    expectShape(region.topRight(), Qt::SizeBDiagCursor);
+    expectShape({region.left(), region.center().y()}, Qt::SizeHorCursor);
+    expectShape({region.center().x(), region.top()}, Qt::SizeVerCursor);
+    expectShape(where("Mosaic").center(), Qt::ArrowCursor);
+    clickOn("Mosaic");
+    QVERIFY(waitFor([this] { return !where("subToolBar").isEmpty(); }));
+    expectShape(region.center(), Qt::BitmapCursor);
+    clickOn("Rectangle");
+    expectShape(region.center(), Qt::CrossCursor);
+    key("Escape");
+    expectEnd("cancelled");
+}
+
+namespace
+{
+
+const QString kDialog = "dialog of the host";
+
+void addDialogs()
+{
+    QTest::addColumn<QString>("question");
+    for (const char* question : {"open", "open modal"})
+        QTest::newRow(question) << question;
+}
+
+} // namespace
+
+void tst_wayland::dialogOfTheHostIsReached_data()
+{
+    addDialogs();
+}
+
+void tst_wayland::dialogOfTheHostIsReached()
+{
+    const QString line = "line of the dialog";
+    QFETCH(QString, question);
+    const QRect region = regionOn(0);
+    startCapture();
+    select(region);
+    const QImage before = pictureOfAll();
+    m_host->ask(question);
+    QVERIFY2(waitFor([&] { return !placeOf(kDialog).isEmpty(); }), "no dialog opens");
+    const QRect dialog = placeOf(kDialog);
+    QVERIFY2(waitFor([&] {
+                 return pictureOfAll().copy(pixelsOf(dialog)) != before.copy(pixelsOf(dialog));
+             }),
+             qPrintable("the dialog at " + text(dialog) + " is covered"));
+    click(dialog.center());
+    type("abc");
+    QVERIFY2(waitFor([&] { return m_host->content(line) == "abc"; }),
+             qPrintable("the dialog was given the keys " + m_host->content(line)));
+    key("Escape");
+    QVERIFY2(waitFor([&] { return placeOf(kDialog).isEmpty(); }), "the dialog stays");
+    key("Return");
+    expectDelivered(region);
+}
+
+void tst_wayland::captureEndsWhileADialogOfTheHostIsOpen_data()
+{
+    addDialogs();
+}
+
+void tst_wayland::captureEndsWhileADialogOfTheHostIsOpen()
+{
+    QFETCH(QString, question);
+    startCapture();
+    m_host->ask(question);
+    QVERIFY2(waitFor([&] { return !placeOf(kDialog).isEmpty(); }), "no dialog opens");
+    tellCompositor("output " + m_outputs.last().name + " transform 90");
+    expectEnd("cancelled");
+    restoreOutputs();
 }
 
 void tst_wayland::fontSizeListOpensAndTakesKeysAndClicks_data()

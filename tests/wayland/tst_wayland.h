@@ -21,6 +21,12 @@ private slots:
     void annotationIsDelivered();
     void typedTextArrives_data();
     void typedTextArrives();
+    void cursorHasTheShapeOfWhatIsUnderIt_data();
+    void cursorHasTheShapeOfWhatIsUnderIt();
+    void dialogOfTheHostIsReached_data();
+    void dialogOfTheHostIsReached();
+    void captureEndsWhileADialogOfTheHostIsOpen_data();
+    void captureEndsWhileADialogOfTheHostIsOpen();
     void fontSizeListOpensAndTakesKeysAndClicks_data();
     void fontSizeListOpensAndTakesKeysAndClicks();
     void toolTipIsShown_data();

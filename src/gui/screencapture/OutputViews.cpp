@@ -2,6 +2,7 @@
 #include "OutputViews.h"
 
 #include "OverlayGeometry.h"
+#include "OverlayKeeper.h"
 #include "QtVersions.h"
 
 #include <QApplication>
@@ -14,6 +15,8 @@
 #include <QTransform>
 #include <QWindow>
 #include <QtMath>
+
+#include <algorithm>
 
 namespace
 {
@@ -119,6 +122,8 @@ OutputViews::OutputViews(QWidget* window)
 
 OutputViews::~OutputViews()
 {
+    for (auto dialog = m_dialogs.cbegin(); dialog != m_dialogs.cend(); ++dialog)
+        dialog.key()->setTransientParent(dialog.value());
     m_views.clear();
     if (m_proxy)
         m_proxy->setWidget(nullptr);
@@ -147,8 +152,15 @@ bool OutputViews::isInScene(const QObject* object) const
 
 bool OutputViews::eventFilter(QObject* watched, QEvent* event)
 {
+    auto* window = qobject_cast<QWindow*>(watched);
     if (event->type() == QEvent::Show && isInScene(watched))
         place(static_cast<QWidget*>(watched));
+    else if (event->type() == QEvent::Show && OverlayKeeper::isDialog(window))
+        showAbove(window);
+    else if (event->type() == QEvent::Hide && m_dialogs.contains(window))
+        window->setTransientParent(m_dialogs.take(window));
+    else if (event->type() == QEvent::CursorChange && watched == underCursor())
+        m_proxy->setCursor(underCursor()->cursor());
     return QObject::eventFilter(watched, event);
 }
 
@@ -160,6 +172,23 @@ void OutputViews::place(QWidget* opened)
     const QRect place = opened->geometry().translated(-corner());
     const QRect output = overlay::nearestScreen(place.center(), outputs());
     opened->move(overlay::posWithin(output, place) + corner());
+}
+
+// A compositor shows nothing above a full-screen surface but what belongs to it.
+void OutputViews::showAbove(QWindow* dialog)
+{
+    const auto active = std::find_if(m_views.begin(), m_views.end(),
+                                     [](const auto& view) { return view->isActiveWindow(); });
+    const auto& view = active == m_views.end() ? m_views.front() : *active;
+    m_dialogs.insert(dialog, dialog->transientParent());
+    dialog->setTransientParent(view->windowHandle());
+}
+
+// Qt follows the cursor of a widget in a scene when the pointer enters it, and not later.
+const QWidget* OutputViews::underCursor() const
+{
+    const QWidget* child = m_window ? m_window->childAt(cursorPos()) : nullptr;
+    return child ? child : m_window.data();
 }
 
 // After a list or a dialog has closed, no item has the focus. The key that closed a list goes

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QGraphicsScene>
+#include <QHash>
 #include <QObject>
 #include <QPointer>
 #include <QRect>
@@ -13,12 +14,14 @@
 class QGraphicsProxyWidget;
 class QGraphicsView;
 class QWidget;
+class QWindow;
 
 /// Shows one window on every output of a Wayland session until it is destroyed.
 ///
 /// No surface of a Wayland client spans outputs, and none can place itself. So the window is part
 /// of a scene, of which each output shows its part full-screen, at its own scale. What the window
-/// opens, lists of combo boxes and dialogs, becomes part of the scene, too.
+/// opens, lists of combo boxes and dialogs, becomes part of the scene, too. Dialogs of the host's
+/// own stand above the outputs.
 ///
 /// GUI thread only.
 class OutputViews : public QObject
@@ -45,12 +48,16 @@ private:
     /// Whether it is what the window has opened.
     bool isInScene(const QObject* object) const;
     static void place(QWidget* opened);
+    void showAbove(QWindow* dialog);
+    const QWidget* underCursor() const;
     void takeFocusBack();
 
     QPointer<QWidget> m_window;
     QGraphicsScene m_scene;
     QPointer<QGraphicsProxyWidget> m_proxy;
     std::vector<std::unique_ptr<QGraphicsView>> m_views;
+    /// The host's dialogs that have been opened, and the windows to which they belong.
+    QHash<QWindow*, QPointer<QWindow>> m_dialogs;
 
     Q_DISABLE_COPY(OutputViews)
 };

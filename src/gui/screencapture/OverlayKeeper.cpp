@@ -28,15 +28,10 @@ QWindow* ownWindow(xcb_window_t id)
     return nullptr;
 }
 
-bool isDialog(const QWindow* window)
-{
-    return window && (window->type() == Qt::Dialog || window->modality() != Qt::NonModal);
-}
-
 // One that was open before is managed, and stays below.
 bool isUnmanagedDialog(const QWindow* window)
 {
-    return isDialog(window) && window->flags() & Qt::BypassWindowManagerHint;
+    return OverlayKeeper::isDialog(window) && window->flags() & Qt::BypassWindowManagerHint;
 }
 
 // Menus, lists and tool tips are never managed.
@@ -86,6 +81,11 @@ OverlayKeeper::OverlayKeeper(QWindow* overlay, const NativeDesktop& desktop)
         readEvents();
     });
     qApp->installEventFilter(this);
+}
+
+bool OverlayKeeper::isDialog(const QWindow* window)
+{
+    return window && (window->type() == Qt::Dialog || window->modality() != Qt::NonModal);
 }
 
 OverlayKeeper::~OverlayKeeper()

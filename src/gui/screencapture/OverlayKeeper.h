@@ -32,6 +32,9 @@ public:
     /// Gives the keyboard back to the window that had it.
     ~OverlayKeeper() override;
 
+    /// Whether a window is one that has to be above the overlay.
+    static bool isDialog(const QWindow* window);
+
     /// \cond
     bool eventFilter(QObject* watched, QEvent* event) override;
     /// \endcond
