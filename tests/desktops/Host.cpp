@@ -134,7 +134,7 @@ private:
             const QWidget* widget = findWidget(what);
             if (!widget)
                 say("nowhere");
-            else if (QGuiApplication::platformName() == "wayland")
+            else if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
                 say(placeOnOutputs(widget));
             else
                 say(placeInWindow(widget));
@@ -143,6 +143,8 @@ private:
         } else if (question.startsWith("ratio ")) {
             const QWidget* widget = findWidget(what);
             say(QString::number(widget ? widget->screen()->devicePixelRatio() : 0));
+        } else if (question == "has keyboard") {
+            say(QGuiApplication::focusWindow() ? "yes" : "no");
         } else if (question == "screen") {
             say(ScreenCaptureWnd::screenCaptureWnd()->screen()->name());
         } else if (question == "largest ratio") {

@@ -72,6 +72,8 @@ protected:
     /// The pixels of the whole picture.
     QRect pixelsOf(const QRect& area) const;
 
+    /// Whether the capture is a client of Xwayland.
+    bool m_isXwayland = false;
     QVector<Output> m_outputs;
     QSize m_size;
     /// Of the whole picture.

@@ -66,8 +66,13 @@ OverlayKeeper::OverlayKeeper(QWindow* overlay, const NativeDesktop& desktop)
         return;
     const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &mask);
-    if (desktop.isWayland())
+    if (desktop.isWayland()) {
         askForKeyboard();
+        connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* focused) {
+            if (!focused)
+                giveFocus(heir());
+        });
+    }
     // Comes back once the server has set the mask, so that the overlay does not appear unnoticed.
     m_formerFocus = focus();
 
@@ -96,7 +101,8 @@ OverlayKeeper::~OverlayKeeper()
         letBeManaged(static_cast<xcb_window_t>(dialog.key()->winId()));
         dialog.key()->setFlags(dialog.value());
     }
-    if (m_formerFocus)
+    // In a Wayland session that is the compositor's, and the grab ends with the overlay.
+    if (m_formerFocus && !m_desktop.isWayland())
         giveFocus(m_formerFocus);
     // The server drops what it has not read yet when a client goes away: wait until it has.
     focus();
@@ -109,6 +115,8 @@ OverlayKeeper::~OverlayKeeper()
 bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
 {
     auto* window = qobject_cast<QWindow*>(watched);
+    if (standsAboveOverlay(window) && m_desktop.isWayland())
+        keepInSession(*window, event->type());
     if (event->type() == QEvent::Show && isDialog(window) && !isUnmanagedDialog(window)) {
         m_flags.insert(window, window->flags());
         window->setFlags(window->flags() | Qt::BypassWindowManagerHint);
@@ -121,6 +129,16 @@ bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
         readEvents();
     }
     return QObject::eventFilter(watched, event);
+}
+
+// When a window disappears, the compositor gives the keyboard to the window that it belongs to, if any,
+// and Qt has ended the grab of a list.
+void OverlayKeeper::keepInSession(QWindow& opened, QEvent::Type change)
+{
+    if (change == QEvent::Show && !opened.transientParent())
+        opened.setTransientParent(m_overlay);
+    if (change == QEvent::Hide)
+        giveFocus(heir());
 }
 
 void OverlayKeeper::readEvents()
@@ -139,7 +157,8 @@ void OverlayKeeper::handle(const xcb_generic_event_t& event)
         windowMoved(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
         break;
     case XCB_FOCUS_OUT:
-        keepKeyboard();
+        if (!m_desktop.isWayland())
+            keepKeyboard();
         break;
     default:
         break;
@@ -216,20 +235,25 @@ void OverlayKeeper::keepAbove(xcb_window_t managed)
     xcb_flush(m_connection);
 }
 
-// The overlay has the keyboard, or a dialog; the highest one, where another program has it.
 void OverlayKeeper::keepKeyboard()
 {
-    const QWindow* holder = ownWindow(focus());
-    if (m_pause.isActive() || mayHaveKeyboard(holder))
+    if (m_pause.isActive() || mayHaveKeyboard(ownWindow(focus())))
         return;
+    giveFocus(heir());
+    m_pause.start();
+}
+
+// The overlay has the keyboard, or what is open above it; the highest, where another program has it.
+xcb_window_t OverlayKeeper::heir() const
+{
     auto heir = overlay();
     for (const xcb_window_t id : windowsFromBelow(m_connection, root())) {
         const QWindow* window = ownWindow(id);
-        if (isUnmanagedDialog(window) && window->isVisible())
+        if (window && window->isVisible() &&
+            (isUnmanagedDialog(window) || (m_desktop.isWayland() && window->type() == Qt::Popup)))
             heir = id;
     }
-    giveFocus(heir);
-    m_pause.start();
+    return heir;
 }
 
 bool OverlayKeeper::mayHaveKeyboard(const QWindow* window) const
@@ -244,15 +268,31 @@ xcb_window_t OverlayKeeper::focus() const
     return reply ? reply->focus : XCB_NONE;
 }
 
-// If the process is killed, keys go to the window under the pointer.
+// If the process is killed, keys go to the window under the pointer. A Wayland compositor takes the
+// focus back, but not a grab.
 void OverlayKeeper::giveFocus(xcb_window_t id)
 {
     if (m_desktop.isWayland()) {
-        if (QWindow* window = ownWindow(id))
-            window->setKeyboardGrabEnabled(true);
+        QWindow* window = ownWindow(id);
+        if (window && window->setKeyboardGrabEnabled(true))
+            announceFocus(id);
         return;
     }
     xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_POINTER_ROOT, id, XCB_CURRENT_TIME);
+    xcb_flush(m_connection);
+}
+
+// A grab where no window has the focus is announced by no event, and Qt shows tool tips in a window with
+// the focus only.
+void OverlayKeeper::announceFocus(xcb_window_t id)
+{
+    xcb_focus_in_event_t event{};
+    event.response_type = XCB_FOCUS_IN;
+    event.detail = XCB_NOTIFY_DETAIL_NONLINEAR;
+    event.event = id;
+    event.mode = XCB_NOTIFY_MODE_GRAB;
+    xcb_send_event(m_connection, 0, id, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&event));
     xcb_flush(m_connection);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QEvent>
 #include <QHash>
 #include <QObject>
 #include <QTimer>
@@ -40,6 +41,7 @@ public:
     /// \endcond
 
 private:
+    void keepInSession(QWindow& opened, QEvent::Type change);
     void readEvents();
     void handle(const xcb_generic_event_t& event);
     void windowAppeared(const xcb_map_notify_event_t& event);
@@ -49,9 +51,11 @@ private:
     void coverDesktop();
     void keepAbove(xcb_window_t managed);
     void keepKeyboard();
+    xcb_window_t heir() const;
     bool mayHaveKeyboard(const QWindow* window) const;
     xcb_window_t focus() const;
     void giveFocus(xcb_window_t id);
+    void announceFocus(xcb_window_t id);
     void letBeManaged(xcb_window_t id);
     void putAbove(xcb_window_t id, xcb_window_t other);
 
