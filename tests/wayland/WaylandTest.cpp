@@ -62,6 +62,8 @@ void WaylandTest::initTestCase()
     m_pointer.reset(new Pointer);
     QVERIFY(m_pointer->isThere());
     m_isXwayland = qgetenv("QT_QPA_PLATFORM") == "xcb";
+    if (!m_isXwayland)
+        qputenv("QT_QPA_PLATFORM", "wayland");
     showTiles();
 }
 
@@ -114,8 +116,8 @@ void WaylandTest::startCapture()
                  qPrintable("the capture is not seen on " + m_outputs[i].name));
 }
 
-// Each pixel is compared only where the picture has the pixels of the output, and the window, which has
-// those of the compositor's coordinates through Xwayland, shows them.
+// Each pixel is compared only where the picture has the pixels of the output, and the window, which
+// has those of the compositor's coordinates through Xwayland, shows them.
 QString WaylandTest::overlayDifference(int output, const QRect& loupe) const
 {
     const Output& shown = m_outputs[output];
@@ -189,8 +191,18 @@ void WaylandTest::type(const QString& text)
     sendKeys({"type", text});
 }
 
-// By two moves, as a hand does by many: Xwayland leaves a press where the last move was, even if the
-// pointer has entered a window elsewhere since.
+// One by one: through Xwayland one that comes while a list of completions closes is lost.
+void WaylandTest::typeLetters(const QString& text, const QString& widget)
+{
+    for (const QChar letter : text) {
+        const QString before = m_host->content(widget);
+        sendKeys({"type", letter});
+        waitFor([&] { return m_host->content(widget) != before; });
+    }
+}
+
+// By two moves, as a hand does by many: Xwayland leaves a press where the last move was, even if
+// the pointer has entered a window elsewhere since.
 void WaylandTest::moveTo(const QPointF& p)
 {
     m_pointer->moveTo(p + QPointF(0.25, 0), m_size);

@@ -131,8 +131,8 @@ bool OverlayKeeper::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
-// When a window disappears, the compositor gives the keyboard to the window that it belongs to, if any,
-// and Qt has ended the grab of a list.
+// When a window disappears, the compositor gives the keyboard to the window that it belongs to, if
+// any, and Qt has ended the grab of a list.
 void OverlayKeeper::keepInSession(QWindow& opened, QEvent::Type change)
 {
     if (change == QEvent::Show && !opened.transientParent())
@@ -243,7 +243,8 @@ void OverlayKeeper::keepKeyboard()
     m_pause.start();
 }
 
-// The overlay has the keyboard, or what is open above it; the highest, where another program has it.
+// The overlay has the keyboard, or what is open above it; the highest, where another program has
+// it.
 xcb_window_t OverlayKeeper::heir() const
 {
     auto heir = overlay();
@@ -282,8 +283,8 @@ void OverlayKeeper::giveFocus(xcb_window_t id)
     xcb_flush(m_connection);
 }
 
-// A grab where no window has the focus is announced by no event, and Qt shows tool tips in a window with
-// the focus only.
+// A grab where no window has the focus is announced by no event, and Qt shows tool tips in a window
+// with the focus only.
 void OverlayKeeper::announceFocus(xcb_window_t id)
 {
     xcb_focus_in_event_t event{};
