@@ -7,6 +7,10 @@
         <source>The screens cannot be grabbed.</source>
         <translation>Impossible de capturer les écrans.</translation>
     </message>
+    <message>
+        <source>The picture is not that of the whole desktop.</source>
+        <translation>L’image n’est pas celle de tout le bureau.</translation>
+    </message>
 </context>
 <context>
     <name>PenWidthWidget</name>
@@ -122,6 +126,10 @@
     <message>
         <source>There is no picture.</source>
         <translation>Il n’y a pas d’image.</translation>
+    </message>
+    <message>
+        <source>The screens have changed.</source>
+        <translation>Les écrans ont changé.</translation>
     </message>
 </context>
 </TS>

@@ -7,6 +7,10 @@
         <source>The screens cannot be grabbed.</source>
         <translation>无法抓取屏幕。</translation>
     </message>
+    <message>
+        <source>The picture is not that of the whole desktop.</source>
+        <translation>图片不是整个桌面的图片。</translation>
+    </message>
 </context>
 <context>
     <name>PenWidthWidget</name>
@@ -122,6 +126,10 @@
     <message>
         <source>There is no picture.</source>
         <translation>没有图片。</translation>
+    </message>
+    <message>
+        <source>The screens have changed.</source>
+        <translation>屏幕已改变。</translation>
     </message>
 </context>
 </TS>

@@ -126,12 +126,14 @@ public:
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& /*bus*/) override
     {
-        if (message.member() == "Close")
+        if (message.member() == "Close") {
             withdrawn << message.path();
-        else if (takesScreenshots && message.interface() == "org.freedesktop.portal.Screenshot")
+            m_bus.send(message.createReply());
+        } else if (takesScreenshots && message.interface() == "org.freedesktop.portal.Screenshot") {
             calls << message;
-        else
+        } else {
             return false;
+        }
         return true;
     }
     QString introspect(const QString& /*path*/) const override { return {}; }

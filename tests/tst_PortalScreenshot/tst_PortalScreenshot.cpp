@@ -56,9 +56,9 @@ public:
     std::function<void()> then = [] {};
 
     Screenshot()
-        : m_portal(new PortalScreenshot)
+        : m_portal(new PortalScreenshot(qApp))
     {
-        QObject::connect(m_portal.get(), &PortalScreenshot::finished,
+        QObject::connect(m_portal, &PortalScreenshot::finished,
                          [this](const QImage& picture, const QString& reason) {
                              ++count;
                              image = picture;
@@ -69,15 +69,25 @@ public:
         if (count > 0)
             qFatal("told before request() returned");
     }
+    ~Screenshot()
+    {
+        if (m_portal)
+            withdraw();
+    }
+    Q_DISABLE_COPY(Screenshot)
     bool isPicture(const QImage& picture) const
     {
         return count == 1 && failure.isEmpty() && image == picture;
     }
     bool isFailure() const { return count == 1 && image.isNull() && !failure.isEmpty(); }
-    void destroy() { m_portal.reset(); }
+    void withdraw()
+    {
+        QObject::disconnect(m_portal, &PortalScreenshot::finished, nullptr, nullptr);
+        std::exchange(m_portal, nullptr)->withdraw();
+    }
 
 private:
-    std::unique_ptr<PortalScreenshot> m_portal;
+    PortalScreenshot* m_portal;
 };
 
 QString uriOf(const QString& fileName)
@@ -148,11 +158,14 @@ private slots:
     void busThatGoesAwayIsTold_data() { portalThatGoesAwayIsTold_data(); }
     void busThatGoesAwayIsTold();
     void busThatIsStartedAnewIsFound();
-    void destructionWithdrawsTheRequest_data() { portalThatGoesAwayIsTold_data(); }
-    void destructionWithdrawsTheRequest();
-    void destructionAfterTheAnswerWithdrawsNothing();
-    void screenshotMayBeDeletedWhenItIsTold_data();
-    void screenshotMayBeDeletedWhenItIsTold();
+    void withdrawalIsToldToThePortal_data() { portalThatGoesAwayIsTold_data(); }
+    void withdrawalIsToldToThePortal();
+    void withdrawalAfterTheAnswerIsNone();
+    void fileOfAnAnswerAfterTheWithdrawalIsRemoved();
+    void fileFromBeforeTheRequestStays();
+    void answerOfAnotherProgramIsNone();
+    void screenshotMayBeWithdrawnWhenItIsTold_data();
+    void screenshotMayBeWithdrawnWhenItIsTold();
     void requestsAtOnceHaveTheirOwnAnswers();
     void portalMayTakeItsTime();
 
@@ -564,50 +577,90 @@ void tst_PortalScreenshot::busThatIsStartedAnewIsFound()
     QTRY_VERIFY(screenshot.isPicture(image));
 }
 
-// The portal does not answer what is withdrawn. Where the answer was on its way, nobody reads it.
-void tst_PortalScreenshot::destructionWithdrawsTheRequest()
+// The portal does not answer what is withdrawn.
+void tst_PortalScreenshot::withdrawalIsToldToThePortal()
 {
     QFETCH(bool, hasReplied);
     Screenshot screenshot;
     waitForCall(hasReplied);
     const QString path = FakePortal::requestPath(call());
-    screenshot.destroy();
+    screenshot.withdraw();
     QTRY_COMPARE(m_portal->withdrawn, QStringList{path});
-    m_portal->respond(call(), Granted, naming(fileWith(png(noise({5, 5})))));
 
     const QImage image = noise({61, 47});
     const Screenshot next;
-    const QString file = fileWith(png(image), "next.png");
-    m_portal->respond(call(m_portal->calls.size() + 1), Granted, naming(file));
+    m_portal->respond(call(m_portal->calls.size() + 1), Granted, naming(fileWith(png(image))));
     QTRY_VERIFY(next.isPicture(image));
     QCOMPARE(screenshot.count, 0);
 }
 
-void tst_PortalScreenshot::destructionAfterTheAnswerWithdrawsNothing()
+void tst_PortalScreenshot::fileOfAnAnswerAfterTheWithdrawalIsRemoved()
+{
+    Screenshot screenshot;
+    const QString file = fileWith(png(noise({5, 5})));
+    m_portal->respond(call(), Granted, naming(file));
+    screenshot.withdraw();
+    QTRY_VERIFY(!QFile::exists(file));
+    QCOMPARE(screenshot.count, 0);
+}
+
+// Somebody's, whatever the portal says.
+void tst_PortalScreenshot::fileFromBeforeTheRequestStays()
+{
+    constexpr int kHourSeconds = 3600;
+    const QImage image = noise({61, 47});
+    QFile file(fileWith(png(image)));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-kHourSeconds),
+                             QFileDevice::FileModificationTime));
+    file.close();
+    const Screenshot screenshot;
+    m_portal->respond(call(), Granted, naming(file.fileName()));
+    QTRY_VERIFY(screenshot.isPicture(image));
+    QVERIFY(file.exists());
+}
+
+void tst_PortalScreenshot::answerOfAnotherProgramIsNone()
+{
+    const Screenshot screenshot;
+    const QString file = fileWith(png(noise({5, 5})));
+    auto other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "another");
+    QDBusMessage answer =
+        QDBusMessage::createTargetedSignal(call().service(), FakePortal::requestPath(call()),
+                                           "org.freedesktop.portal.Request", "Response");
+    answer.setArguments({uint(Granted), naming(file)});
+    other.send(answer);
+    m_portal->respond(call(), RefusedByUser, {});
+    QTRY_VERIFY(screenshot.isFailure());
+    QVERIFY(QFile::exists(file));
+    QDBusConnection::disconnectFromBus("another");
+}
+
+void tst_PortalScreenshot::withdrawalAfterTheAnswerIsNone()
 {
     Screenshot screenshot;
     m_portal->reply(call());
     m_portal->respond(call(), RefusedByUser, {});
     QTRY_VERIFY(screenshot.isFailure());
-    screenshot.destroy();
-    // Comes later on the bus than what the destruction sends.
+    screenshot.withdraw();
+    // Comes later on the bus than what the withdrawal sends.
     const Screenshot next;
     call(2);
     QCOMPARE(m_portal->withdrawn, QStringList());
 }
 
-void tst_PortalScreenshot::screenshotMayBeDeletedWhenItIsTold_data()
+void tst_PortalScreenshot::screenshotMayBeWithdrawnWhenItIsTold_data()
 {
     QTest::addColumn<bool>("isAnswer");
     QTest::newRow("by an answer") << true;
     QTest::newRow("by an error") << false;
 }
 
-void tst_PortalScreenshot::screenshotMayBeDeletedWhenItIsTold()
+void tst_PortalScreenshot::screenshotMayBeWithdrawnWhenItIsTold()
 {
     QFETCH(bool, isAnswer);
     Screenshot screenshot;
-    screenshot.then = [&] { screenshot.destroy(); };
+    screenshot.then = [&] { screenshot.withdraw(); };
     if (isAnswer)
         m_portal->respond(call(), RefusedByUser, {});
     else

@@ -4,7 +4,7 @@
 #include "NativeDesktop.h"
 #include "PortalScreenshot.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QPixmap>
 #include <QScreen>
 
@@ -19,6 +19,16 @@ QImage grabbed(const NativeDesktop& desktop)
     return screen->grabWindow(desktop.root(), 0, 0, size.width(), size.height()).toImage();
 }
 
+/// Returns how many times as large a picture is as the desktop, and 0 where that is not the same in
+/// both directions. The portal rounds the size.
+qreal ratioTo(const QSize& desktop, const QSize& picture)
+{
+    constexpr qreal kRoundingPx = 2;
+    const qreal ratio = qreal(picture.width()) / desktop.width();
+    const qreal off = qAbs(picture.height() / ratio - desktop.height());
+    return picture.isEmpty() || off > kRoundingPx ? 0 : ratio;
+}
+
 } // namespace
 
 DesktopSource::DesktopSource(QObject* parent)
@@ -26,12 +36,27 @@ DesktopSource::DesktopSource(QObject* parent)
 {
 }
 
+DesktopSource::~DesktopSource()
+{
+    if (m_portal)
+        m_portal->withdraw();
+}
+
 void DesktopSource::take(const NativeDesktop& desktop)
 {
     if (desktop.isWayland()) {
-        auto* portal = new PortalScreenshot(this);
-        connect(portal, &PortalScreenshot::finished, this, &DesktopSource::taken);
-        portal->request();
+        m_portal = new PortalScreenshot(qApp);
+        const QSize size = desktop.coveringGeometry().size();
+        connect(m_portal, &PortalScreenshot::finished, this,
+                [this, size](QImage image, const QString& failure) {
+                    const qreal ratio = ratioTo(size, image.size());
+                    const QString nonsense = tr("The picture is not that of the whole desktop.");
+                    if (ratio == 0)
+                        return emit taken(QImage(), failure.isEmpty() ? nonsense : failure);
+                    image.setDevicePixelRatio(ratio);
+                    emit taken(image, QString());
+                });
+        m_portal->request();
         return;
     }
     const QImage image = grabbed(desktop);

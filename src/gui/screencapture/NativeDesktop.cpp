@@ -13,11 +13,14 @@
 
 NativeDesktop::NativeDesktop()
 {
+    m_isWayland = QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
     if (QGuiApplication::platformName() != QLatin1String("xcb"))
         return;
     m_connection = xcb_connect(nullptr, nullptr);
-    if (!xcb_connection_has_error(m_connection))
-        m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
+    if (xcb_connection_has_error(m_connection))
+        return;
+    m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
+    m_isWayland = isXwayland();
 }
 
 NativeDesktop::~NativeDesktop()
@@ -27,10 +30,8 @@ NativeDesktop::~NativeDesktop()
 }
 
 // Old servers of this kind do not have the extension, but give their outputs such names.
-bool NativeDesktop::isWayland() const
+bool NativeDesktop::isXwayland() const
 {
-    if (!m_root)
-        return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
     constexpr char kName[] = "XWAYLAND";
     const auto extension = xcb::owned(xcb_query_extension_reply(
         m_connection, xcb_query_extension(m_connection, sizeof kName - 1, kName), nullptr));

@@ -25,7 +25,7 @@ public:
 
     /// Returns whether the screens belong to a Wayland compositor, on which the platform is
     /// "wayland", or X11 that a server within the session (Xwayland) offers.
-    bool isWayland() const;
+    bool isWayland() const { return m_isWayland; }
 
     /// Returns the size with which a window at (0, 0) covers all screens, in the coordinates of any
     /// of them; invalid on other platforms.
@@ -47,10 +47,12 @@ public:
     QPoint pointerPos() const;
 
 private:
+    bool isXwayland() const;
     const QScreen* middleScreen() const;
 
     xcb_connection_t* m_connection = nullptr;
     xcb_window_t m_root = XCB_NONE;
+    bool m_isWayland = false;
 
     Q_DISABLE_COPY(NativeDesktop)
 };

@@ -11,6 +11,7 @@
 #include <QGraphicsView>
 #include <QInputMethod>
 #include <QMouseEvent>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QTransform>
 #include <QWindow>
@@ -31,11 +32,15 @@ QPoint corner()
 class OutputView : public QGraphicsView
 {
 public:
-    OutputView(QGraphicsScene* scene, QWidget* window, QScreen* screen, const QRect& part)
+    OutputView(QGraphicsScene* scene, QWidget* window, QScreen* screen, const QRect& part,
+               bool& handsOn)
         : QGraphicsView(scene)
         , m_window(window)
+        , m_handsOn(handsOn)
     {
         setWindowFlag(Qt::FramelessWindowHint);
+        setWindowState(Qt::WindowFullScreen);
+        setAttribute(Qt::WA_QuitOnClose, false);
         setFrameShape(NoFrame);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -45,7 +50,6 @@ public:
         setGeometry(screen->geometry());
         create();
         windowHandle()->setScreen(screen);
-        showFullScreen();
     }
 
 protected:
@@ -94,27 +98,27 @@ private:
                           QGuiApplication::keyboardModifiers());
         // Qt 6 finds double clicks by it.
         whole.setTimestamp(timestamp);
+        const QScopedValueRollback<bool> handing(m_handsOn, true);
         return QGraphicsView::viewportEvent(&whole);
     }
 
     QPointer<QWidget> m_window;
+    bool& m_handsOn;
 };
 
 } // namespace
 
 OutputViews::OutputViews(QWidget* window)
-    : m_window(window)
 {
     m_scene.setSceneRect(QRect(QPoint(), QGuiApplication::primaryScreen()->virtualSize()));
     window->setGeometry(m_scene.sceneRect().toRect());
+    // A window that has been neither shown nor hidden is shown by the scene.
+    window->hide();
     m_proxy = m_scene.addWidget(window);
     const QList<QScreen*> screens = QGuiApplication::screens();
     for (QScreen* screen : screens)
-        m_views.push_back(std::make_unique<OutputView>(&m_scene, window, screen,
-                                                       screen->geometry().translated(-corner())));
-    m_scene.setActiveWindow(m_proxy);
-    window->show();
-    window->setFocus();
+        m_views.push_back(std::make_unique<OutputView>(
+            &m_scene, window, screen, screen->geometry().translated(-corner()), m_handsOn));
     connect(&m_scene, &QGraphicsScene::focusItemChanged, this, &OutputViews::takeFocusBack,
             Qt::QueuedConnection);
     qApp->installEventFilter(this);
@@ -122,11 +126,35 @@ OutputViews::OutputViews(QWidget* window)
 
 OutputViews::~OutputViews()
 {
+    m_views.clear();
+}
+
+void OutputViews::show()
+{
+    for (const auto& view : m_views)
+        view->show();
+    m_scene.setActiveWindow(m_proxy);
+    m_proxy->widget()->setFocus();
+}
+
+void OutputViews::hide()
+{
     for (auto dialog = m_dialogs.cbegin(); dialog != m_dialogs.cend(); ++dialog)
         dialog.key()->setTransientParent(dialog.value());
-    m_views.clear();
-    if (m_proxy)
-        m_proxy->setWidget(nullptr);
+    m_dialogs.clear();
+    for (const auto& view : m_views)
+        view->hide();
+}
+
+void OutputViews::letGo()
+{
+    qApp->removeEventFilter(this);
+    hide();
+    for (QGraphicsItem* item : m_scene.items()) {
+        if (auto* proxy = qgraphicsitem_cast<QGraphicsProxyWidget*>(item))
+            proxy->setWidget(nullptr);
+    }
+    deleteLater();
 }
 
 QVector<QRect> OutputViews::outputs()
@@ -147,7 +175,7 @@ bool OutputViews::isInScene(const QObject* object) const
 {
     const auto* widget = qobject_cast<const QWidget*>(object);
     const QGraphicsItem* item = widget ? widget->graphicsProxyWidget() : nullptr;
-    return item && item->scene() == &m_scene && widget != m_window;
+    return item && item != m_proxy && item->scene() == &m_scene;
 }
 
 bool OutputViews::eventFilter(QObject* watched, QEvent* event)
@@ -187,14 +215,14 @@ void OutputViews::showAbove(QWindow* dialog)
 // Qt follows the cursor of a widget in a scene when the pointer enters it, and not later.
 const QWidget* OutputViews::underCursor() const
 {
-    const QWidget* child = m_window ? m_window->childAt(cursorPos()) : nullptr;
-    return child ? child : m_window.data();
+    const QWidget* child = m_proxy->widget()->childAt(cursorPos());
+    return child ? child : m_proxy->widget();
 }
 
 // After a list or a dialog has closed, no item has the focus. The key that closed a list goes
 // nowhere.
 void OutputViews::takeFocusBack()
 {
-    if (m_proxy && !m_scene.focusItem())
+    if (!m_scene.focusItem())
         m_proxy->setFocus();
 }

@@ -16,7 +16,7 @@ class QGraphicsView;
 class QWidget;
 class QWindow;
 
-/// Shows one window on every output of a Wayland session until it is destroyed.
+/// Shows one window on every output of a Wayland session until it is let go.
 ///
 /// No surface of a Wayland client spans outputs, and none can place itself. So the window is part
 /// of a scene, of which each output shows its part full-screen, at its own scale. What the window
@@ -29,10 +29,21 @@ class OutputViews : public QObject
     Q_OBJECT
 
 public:
-    /// Gives `window`, which is hidden, the size of all outputs together, and shows it. The window
-    /// is not owned.
+    /// Gives `window`, which is hidden, the size of all outputs together. The window is not owned.
     explicit OutputViews(QWidget* window);
     ~OutputViews() override;
+
+    /// Show and hide the outputs' views. The window is shown and hidden by itself.
+    void show();
+    void hide();
+
+    /// Whether the pointer does something in the window at the moment. Qt does not allow that the
+    /// window is deleted meanwhile.
+    bool handsOn() const { return m_handsOn; }
+
+    /// Gives the window back, hides the views and deletes this later: a key that is handed on to
+    /// the window may be what ends it.
+    void letGo();
 
     /// Returns what each output shows, in coordinates of the window.
     static QVector<QRect> outputs();
@@ -52,9 +63,9 @@ private:
     const QWidget* underCursor() const;
     void takeFocusBack();
 
-    QPointer<QWidget> m_window;
+    bool m_handsOn = false;
     QGraphicsScene m_scene;
-    QPointer<QGraphicsProxyWidget> m_proxy;
+    QGraphicsProxyWidget* m_proxy = nullptr;
     std::vector<std::unique_ptr<QGraphicsView>> m_views;
     /// The host's dialogs that have been opened, and the windows to which they belong.
     QHash<QWindow*, QPointer<QWindow>> m_dialogs;

@@ -53,20 +53,28 @@ QString requestPathFor(const QDBusConnection& bus, const QString& token)
            token;
 }
 
-bool isTooLarge(const QSize& size)
+bool isReadable(const QSize& size)
 {
-    return qint64(size.width()) * size.height() > kLargestPictureBytes / kBytesPerPixel;
+    return size.isValid() &&
+           qint64(size.width()) * size.height() <= kLargestPictureBytes / kBytesPerPixel;
 }
 
-// The portal leaves the file to the one that asked for it. At the edges of scaled outputs a picture
-// may be half transparent, which no screen is.
-QImage readAndRemove(const QString& fileName)
+// The portal leaves the file to the one that asked for it; an older one is somebody's. At the edges
+// of scaled outputs a picture may be half transparent, which no screen is.
+QImage readAndRemove(const QString& fileName, const QDateTime& requestTime)
 {
-    if (!QFileInfo(fileName).isFile())
+    // File systems round times.
+    constexpr int kRoundingSeconds = 2;
+    const QFileInfo file(fileName);
+    if (!file.isFile())
         return {};
-    const auto remove = qScopeGuard([&] { QFile::remove(fileName); });
+    const bool isNew = file.lastModified() >= requestTime.addSecs(-kRoundingSeconds);
+    const auto remove = qScopeGuard([&] {
+        if (isNew)
+            QFile::remove(fileName);
+    });
     QImageReader reader(fileName);
-    if (isTooLarge(reader.size()))
+    if (!isReadable(reader.size()))
         return {};
     return qtversions::readOfAnySize(reader).convertToFormat(QImage::Format_RGB32);
 }
@@ -79,12 +87,15 @@ PortalScreenshot::PortalScreenshot(QObject* parent)
 {
 }
 
-PortalScreenshot::~PortalScreenshot()
+// The answer to this comes after every one that the portal has sent before.
+void PortalScreenshot::withdraw()
 {
-    if (!m_finished && !m_requestPath.isEmpty())
-        m_bus.send(QDBusMessage::createMethodCall(QLatin1String(kService), m_requestPath,
-                                                  QLatin1String(kRequest),
-                                                  QStringLiteral("Close")));
+    if (m_finished || m_requestPath.isEmpty())
+        return deleteLater();
+    const QDBusMessage close = QDBusMessage::createMethodCall(
+        QLatin1String(kService), m_requestPath, QLatin1String(kRequest), QStringLiteral("Close"));
+    auto* closing = new QDBusPendingCallWatcher(m_bus.asyncCall(close), this);
+    connect(closing, &QDBusPendingCallWatcher::finished, this, &QObject::deleteLater);
 }
 
 void PortalScreenshot::request()
@@ -110,6 +121,7 @@ void PortalScreenshot::request()
     QDBusMessage call =
         QDBusMessage::createMethodCall(QLatin1String(kService), QLatin1String(kDesktopPath),
                                        QLatin1String(kScreenshot), QStringLiteral("Screenshot"));
+    m_requestTime = QDateTime::currentDateTime();
     call << QString()
          << QVariantMap{{QStringLiteral("handle_token"), token},
                         {QStringLiteral("interactive"), false}};
@@ -140,16 +152,15 @@ void PortalScreenshot::listenTo(const QString& requestPath)
                   QStringLiteral("Response"), this, SLOT(onResponse(QDBusMessage)));
 }
 
-// An answer of other types ends the wait as one without a picture.
 void PortalScreenshot::onResponse(const QDBusMessage& response)
 {
-    const bool isSound = response.signature() == QLatin1String("ua{sv}");
-    const QVariantList answer =
-        isSound ? response.arguments() : QVariantList{uint(Granted), QVariantMap()};
+    if (response.signature() != QLatin1String("ua{sv}"))
+        return fail(tr("The desktop's portal gave no picture."));
+    const QVariantList answer = response.arguments();
     const uint code = answer.first().toUInt();
     const auto results = qdbus_cast<QVariantMap>(answer.last());
     const QString fileName = QUrl(results.value(QStringLiteral("uri")).toString()).toLocalFile();
-    const QImage image = fileName.isEmpty() ? QImage() : readAndRemove(fileName);
+    const QImage image = fileName.isEmpty() ? QImage() : readAndRemove(fileName, m_requestTime);
     if (code == RefusedByUser)
         fail(tr("The screenshot was not permitted."));
     else if (code != Granted)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDateTime>
 #include <QImage>
 #include <QObject>
 #include <QString>
@@ -13,18 +14,20 @@ class QDBusPendingCallWatcher;
 /// session bus): in a Wayland session no program can grab the screens itself.
 ///
 /// The desktop may ask the user for permission first, and waits for the answer as long as the user
-/// likes. A portal that is absent, refuses or goes away is told as a failure. Destroying the object
-/// withdraws the request. GUI thread only.
+/// likes. A portal that is absent, refuses or goes away is told as a failure. GUI thread only.
 class PortalScreenshot : public QObject
 {
     Q_OBJECT
 
 public:
     explicit PortalScreenshot(QObject* parent = nullptr);
-    ~PortalScreenshot() override;
 
     /// Asks for the picture; once for each object.
     void request();
+
+    /// Withdraws the request where it has not been answered, and deletes the object later: an
+    /// answer may be on its way, and its file has to be removed.
+    void withdraw();
 
 Q_SIGNALS:
     /// Emitted once, after request() has returned. Where there is no picture, `image` is null and
@@ -43,6 +46,7 @@ private:
 
     QDBusConnection m_bus;
     QString m_requestPath;
+    QDateTime m_requestTime;
     bool m_finished = false;
 
     Q_DISABLE_COPY(PortalScreenshot)

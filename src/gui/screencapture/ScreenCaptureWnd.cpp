@@ -123,13 +123,14 @@ ScreenCaptureWnd::ScreenCaptureWnd(const QImage* given)
 ScreenCaptureWnd::~ScreenCaptureWnd()
 {
     s_screenCaptureWnd = nullptr;
+    if (m_views)
+        m_views->letGo();
     // The dialog stands on the stack of save(), so it must not be deleted as a child.
     if (auto* dialog = findChild<QFileDialog*>()) {
         dialog->setParent(nullptr);
         dialog->reject();
     }
     delete m_keeper;
-    delete m_views;
     delete m_nativeDesktop;
     delete m_desktopImage;
 }
@@ -167,7 +168,7 @@ void ScreenCaptureWnd::takeGiven(const QImage& picture)
 {
     if (picture.isNull()) {
         setProperty(pixels::kPictureRatio, 1);
-        onDesktopTaken(picture, tr("There is no picture."));
+        usePicture(picture, tr("There is no picture."));
         return;
     }
     const QSizeF size = QSizeF(picture.size()) / picture.devicePixelRatio();
@@ -179,26 +180,29 @@ void ScreenCaptureWnd::takeGiven(const QImage& picture)
     m_givenRect = QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter,
                                       {qCeil(shown.width()), qCeil(shown.height())}, room);
     setProperty(pixels::kPictureRatio, picture.devicePixelRatio() * tooLarge);
-    onDesktopTaken(in8BitsPerChannel(picture, picture.hasAlphaChannel() ? QImage::Format_ARGB32
-                                                                        : QImage::Format_RGB32),
-                   QString());
+    usePicture(in8BitsPerChannel(picture, picture.hasAlphaChannel() ? QImage::Format_ARGB32
+                                                                    : QImage::Format_RGB32),
+               QString());
 }
 
 void ScreenCaptureWnd::onDesktopTaken(const QImage& picture, const QString& failure)
 {
-    if (m_source)
-        qExchange(m_source, nullptr)->deleteLater();
-    s_failure = failure;
+    qExchange(m_source, nullptr)->deleteLater();
     // The portal gives all pixels of the densest screen, on X11 too.
-    if (m_nativeDesktop->isWayland() && !property(pixels::kPictureRatio).isValid())
-        setProperty(pixels::kPictureRatio,
-                    qreal(picture.width()) / m_nativeDesktop->coveringGeometry().width());
+    if (m_nativeDesktop->isWayland())
+        setProperty(pixels::kPictureRatio, picture.devicePixelRatio());
+    usePicture(picture, failure);
+    if (m_shown)
+        showFullDesktop(*qExchange(m_shown, std::nullopt));
+}
+
+void ScreenCaptureWnd::usePicture(const QImage& picture, const QString& failure)
+{
+    s_failure = failure;
     *m_desktopImage = in8BitsPerChannel(picture);
     m_desktopImage->setDevicePixelRatio(1);
     m_dimmedImage = overlay::dimmed(*m_desktopImage);
     updateMagnifierAtCursor();
-    if (m_shown)
-        showFullDesktop(*m_shown);
 }
 
 void ScreenCaptureWnd::connectTo(QObject* receiver, const char* member)
@@ -214,11 +218,13 @@ void ScreenCaptureWnd::connectTo(QObject* receiver, const char* member)
 
 void ScreenCaptureWnd::showFullDesktop(bool full)
 {
-    m_shown = full;
-    if (m_source)
+    if (m_source) {
+        m_shown = full;
         return;
+    }
     // Intended: on X11 a desktop that cannot be grabbed is an empty surface.
     if (m_desktopImage->isNull() && property(pixels::kPictureRatio).isValid()) {
+        m_ended = false;
         QTimer::singleShot(0, this, &ScreenCaptureWnd::reject);
         return;
     }
@@ -231,7 +237,8 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
         }
         // No window manager lets a window that it manages cover panels and every screen.
         setWindowFlag(Qt::X11BypassWindowManagerHint, full || m_wasUnmanaged);
-        delete qExchange(m_views, nullptr);
+        if (m_views)
+            qExchange(m_views, nullptr)->letGo();
         if (full && m_nativeDesktop->isWayland() && !m_nativeDesktop->root())
             m_views = new OutputViews(this);
         else
@@ -240,14 +247,28 @@ void ScreenCaptureWnd::showFullDesktop(bool full)
         m_fullDesktop = full;
     }
     show();
-    activateWindow();
+    if (!m_views)
+        activateWindow();
+}
+
+// Nothing is shown while the picture is awaited.
+void ScreenCaptureWnd::setVisible(bool visible)
+{
+    if (!m_source)
+        QDialog::setVisible(visible);
+    else if (!visible)
+        m_shown.reset();
+    else if (!m_shown)
+        m_shown = false;
 }
 
 // The picture shows screens that are no longer where they were.
 void ScreenCaptureWnd::cancelIfShown()
 {
-    if (isVisible())
-        reject();
+    if (!isVisible())
+        return;
+    s_failure = tr("The screens have changed.");
+    reject();
 }
 
 QImage ScreenCaptureWnd::captureImage() const
@@ -392,19 +413,23 @@ void ScreenCaptureWnd::showEvent(QShowEvent* event)
 {
     if (!event->spontaneous()) {
         m_ended = false;
-        if (m_fullDesktop && !m_views)
+        if (m_views)
+            m_views->show();
+        else if (m_fullDesktop)
             m_keeper = new OverlayKeeper(windowHandle(), *m_nativeDesktop);
-        if (!m_views)
-            connect(windowHandle(), &QWindow::screenChanged, this, &ScreenCaptureWnd::followPlace,
-                    Qt::UniqueConnection);
+        connect(windowHandle(), &QWindow::screenChanged, this, &ScreenCaptureWnd::followPlace,
+                Qt::UniqueConnection);
     }
     QDialog::showEvent(event);
 }
 
 void ScreenCaptureWnd::hideEvent(QHideEvent* event)
 {
-    if (!event->spontaneous())
+    if (!event->spontaneous()) {
         delete qExchange(m_keeper, nullptr);
+        if (m_views)
+            m_views->hide();
+    }
     QDialog::hideEvent(event);
 }
 
@@ -421,6 +446,10 @@ void ScreenCaptureWnd::closeEvent(QCloseEvent* event)
 // A host that is connected directly may delete the window in its slot.
 void ScreenCaptureWnd::deliverAndHide(const QImage& image, bool finished)
 {
+    if (m_views && m_views->handsOn()) {
+        QTimer::singleShot(0, this, [=] { deliverAndHide(image, finished); });
+        return;
+    }
     const QPointer<ScreenCaptureWnd> alive(this);
     emit captureFinished(image, finished);
     if (!alive)

@@ -70,6 +70,10 @@ public:
 
     ~ScreenCaptureWnd() override;
 
+    /// \cond
+    void setVisible(bool visible) override;
+    /// \endcond
+
     /// Connects captureFinished(QImage,bool) to `member` of `receiver`, queued, and disconnects the
     /// receiver given before. `member` is the result of SLOT() and must live as long as the
     /// capture. A null receiver or member only disconnects. Neither is owned; a receiver that is
@@ -160,6 +164,7 @@ private:
     void takeDesktop();
     void takeGiven(const QImage& picture);
     void onDesktopTaken(const QImage& picture, const QString& failure);
+    void usePicture(const QImage& picture, const QString& failure);
     void initToolBars();
     void initSubToolBar();
     void initScribbleArea();
@@ -229,7 +234,7 @@ private:
     OverlayKeeper* m_keeper = nullptr;
     OutputViews* m_views = nullptr;
     DesktopSource* m_source = nullptr;
-    /// What showFullDesktop() was called with while the picture was awaited.
+    /// What showFullDesktop() is to do when the picture that is awaited is there.
     std::optional<bool> m_shown;
     QRect m_normalGeometry;
     bool m_wasUnmanaged = false;
