@@ -380,6 +380,7 @@ bool ScreenCaptureWnd::markEnded()
 {
     if (auto* dialog = findChild<QFileDialog*>())
         dialog->reject();
+    m_shown.reset();
     return !qExchange(m_ended, true);
 }
 
