@@ -30,8 +30,9 @@ struct ScreenCaptureToolColors;
 
 /// The one window through which an application takes a screenshot.
 ///
-/// The constructor photographs the whole virtual desktop once. The window shows that frozen
-/// picture, dimmed, over every screen and lets the user drag out a region. The capture ends with
+/// The constructor photographs the whole virtual desktop once; in a Wayland session it asks the
+/// desktop's portal for the picture, which may take its time. The window shows that frozen picture,
+/// dimmed, over every screen and lets the user drag out a region. The capture ends with
 /// captureFinished(), after which the window hides and deletes itself; the next call of
 /// screenCaptureWnd() photographs the desktop anew.
 ///
@@ -47,7 +48,8 @@ struct ScreenCaptureToolColors;
 /// the end of a capture. A host that clears Qt::WA_DeleteOnClose keeps the window instead, and
 /// takes another capture of the same picture by showing it again. Closing the window never counts
 /// as closing the last window, on which Qt quits the application. GUI thread only, with a
-/// QApplication. Nothing is thrown; a desktop that cannot be grabbed gives a null picture.
+/// QApplication. Nothing is thrown. A desktop that cannot be grabbed gives a null picture, and
+/// failure() says why; in a Wayland session it ends the capture.
 class SCREENCAPTURE_EXPORT ScreenCaptureWnd : public QDialog
 {
     Q_OBJECT
@@ -64,8 +66,8 @@ public:
     /// region ends where it does. A null picture ends the capture.
     static ScreenCaptureWnd* captureOf(const QImage& picture);
 
-    /// Returns why the last capture had no picture of the desktop, for the user to read; empty
-    /// where it had one.
+    /// Returns why the last capture ended without the user, or had no picture of the desktop, for
+    /// the user to read; empty otherwise.
     static QString failure();
 
     ~ScreenCaptureWnd() override;
@@ -82,7 +84,8 @@ public:
 
     /// Covers the whole virtual desktop, or restores geometry and window flags from before. Shows
     /// and activates the window in either case. No window manager manages a window that covers the
-    /// desktop (Qt::X11BypassWindowManagerHint).
+    /// desktop (Qt::X11BypassWindowManagerHint). While the picture is awaited nothing is shown: the
+    /// call takes effect when it is there.
     void showFullDesktop(bool full);
 
     /// Returns the region, cut from the desktop picture; null while no region is visible.
