@@ -150,10 +150,7 @@ void OutputViews::letGo()
 {
     qApp->removeEventFilter(this);
     hide();
-    for (QGraphicsItem* item : m_scene.items()) {
-        if (auto* proxy = qgraphicsitem_cast<QGraphicsProxyWidget*>(item))
-            proxy->setWidget(nullptr);
-    }
+    m_proxy->setWidget(nullptr);
     deleteLater();
 }
 
