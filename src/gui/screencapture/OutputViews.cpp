@@ -39,7 +39,6 @@ public:
         , m_handsOn(handsOn)
     {
         setWindowFlag(Qt::FramelessWindowHint);
-        setWindowState(Qt::WindowFullScreen);
         setAttribute(Qt::WA_QuitOnClose, false);
         setFrameShape(NoFrame);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -50,6 +49,7 @@ public:
         setGeometry(screen->geometry());
         create();
         windowHandle()->setScreen(screen);
+        setWindowState(Qt::WindowFullScreen);
     }
 
 protected:
