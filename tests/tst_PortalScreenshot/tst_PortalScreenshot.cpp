@@ -56,7 +56,7 @@ public:
     std::function<void()> then = [] {};
 
     Screenshot()
-        : m_portal(new PortalScreenshot(qApp))
+        : m_portal(new PortalScreenshot(QCoreApplication::instance()))
     {
         QObject::connect(m_portal, &PortalScreenshot::finished,
                          [this](const QImage& picture, const QString& reason) {

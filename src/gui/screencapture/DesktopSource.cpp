@@ -4,7 +4,7 @@
 #include "NativeDesktop.h"
 #include "PortalScreenshot.h"
 
-#include <QApplication>
+#include <QGuiApplication>
 #include <QPixmap>
 #include <QScreen>
 
@@ -45,7 +45,7 @@ DesktopSource::~DesktopSource()
 void DesktopSource::take(const NativeDesktop& desktop)
 {
     if (desktop.isWayland()) {
-        m_portal = new PortalScreenshot(qApp);
+        m_portal = new PortalScreenshot(QCoreApplication::instance());
         const QSize size = desktop.coveringGeometry().size();
         connect(m_portal, &PortalScreenshot::finished, this,
                 [this, size](QImage image, const QString& failure) {
