@@ -23,7 +23,7 @@ signals:
     void captured(const QImage& picture);
     /// The user cancelled, or finished without a region.
     void cancelled();
-    /// There was no picture of the desktop, for a reason that the user can read.
+    /// The capture ended without the user, for a reason that the user can read.
     void failed(const QString& reason);
 
 private slots:

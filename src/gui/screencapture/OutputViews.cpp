@@ -124,10 +124,7 @@ OutputViews::OutputViews(QWidget* window)
     qApp->installEventFilter(this);
 }
 
-OutputViews::~OutputViews()
-{
-    m_views.clear();
-}
+OutputViews::~OutputViews() = default;
 
 void OutputViews::show()
 {
