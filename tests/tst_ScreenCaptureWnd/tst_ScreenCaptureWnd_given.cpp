@@ -76,6 +76,7 @@ private slots:
     void hostGetsTheSignalAndTheNextCaptureIsOfTheDesktop();
     void nullPictureEndsTheCapture();
     void cancelledCaptureHasNotFailed();
+    void keptWindowShownAgainHasNotFailed();
     void screensThatCannotBeGrabbedAreAFailure();
     void neitherScreensNorBusAreAskedForIt();
 
@@ -324,6 +325,17 @@ void tst_ScreenCaptureWnd_given::cancelledCaptureHasNotFailed()
     startOf(noise(QSize(30, 20)));
     window()->accept();
     deliver();
+    QCOMPARE(ScreenCaptureWnd::failure(), QString());
+}
+
+void tst_ScreenCaptureWnd_given::keptWindowShownAgainHasNotFailed()
+{
+    startOf(noise(QSize(30, 20)));
+    window()->setAttribute(Qt::WA_DeleteOnClose, false);
+    emit qApp->screenAdded(QGuiApplication::primaryScreen());
+    QCOMPARE(ScreenCaptureWnd::failure(), QString("The screens have changed."));
+    window()->show();
+    window()->reject();
     QCOMPARE(ScreenCaptureWnd::failure(), QString());
 }
 

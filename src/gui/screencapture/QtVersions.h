@@ -8,7 +8,6 @@
 #include <QMouseEvent>
 #include <QPointF>
 #include <QRect>
-#include <QScopeGuard>
 #include <QString>
 #include <utility>
 
@@ -82,10 +81,9 @@ template <typename Paint>
 void withDenseIcons(Paint paint)
 {
     const bool isAskedFor = QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps);
-    const auto restore =
-        qScopeGuard([=] { QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, isAskedFor); });
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     paint();
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, isAskedFor);
 }
 
 #endif

@@ -414,6 +414,8 @@ void ScreenCaptureWnd::showEvent(QShowEvent* event)
 {
     if (!event->spontaneous()) {
         m_ended = false;
+        if (!m_desktopImage->isNull())
+            s_failure.clear();
         if (m_views)
             m_views->show();
         else if (m_fullDesktop)
