@@ -23,6 +23,7 @@ HostProcess::HostProcess()
     for (auto it = settings.begin(); it != settings.end(); ++it)
         environment.insert(it.key(), it.value());
     m_process.setProcessEnvironment(environment);
+    m_process.setWorkingDirectory(m_scratch.path());
     m_process.start(QCoreApplication::applicationDirPath() + "/../desktops/desktop-host",
                     {m_scratch.filePath("picture.bmp")});
     m_process.waitForStarted();

@@ -45,7 +45,10 @@ public:
 
     /// "captured", "cancelled" or "failed: " and why; empty where the capture does not end.
     QString end();
-    QImage picture() const { return QImage(m_scratch.filePath("picture.bmp")); }
+    QImage picture() const { return written("picture.bmp"); }
+    /// A picture in the directory in which the process runs. At first it is empty, so that the
+    /// Save As dialog opens no list of completions, whose coming and going may cost a key.
+    QImage written(const QString& name) const { return QImage(m_scratch.filePath(name)); }
 
 private:
     QTemporaryDir m_scratch;

@@ -191,16 +191,6 @@ void WaylandTest::type(const QString& text)
     sendKeys({"type", text});
 }
 
-// One by one: through Xwayland one that comes while a list of completions closes is lost.
-void WaylandTest::typeLetters(const QString& text, const QString& widget)
-{
-    for (const QChar letter : text) {
-        const QString before = m_host->content(widget);
-        sendKeys({"type", letter});
-        waitFor([&] { return m_host->content(widget) != before; });
-    }
-}
-
 // By two moves, as a hand does by many: Xwayland leaves a press where the last move was, even if
 // the pointer has entered a window elsewhere since.
 void WaylandTest::moveTo(const QPointF& p)

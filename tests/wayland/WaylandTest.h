@@ -57,7 +57,6 @@ protected:
     /// A key for the capture, when it has had the time to take the keyboard.
     void key(const QString& name);
     void type(const QString& text);
-    void typeLetters(const QString& text, const QString& widget);
     void moveTo(const QPointF& p);
     void click(const QPoint& p, Qt::MouseButton button = Qt::LeftButton);
     void clickOn(const QString& name);

@@ -396,6 +396,8 @@ void tst_wayland::fontSizeListOpensAndTakesKeysAndClicks()
     startDrawing(region, "text");
     QVERIFY(waitFor([this] { return !where("QComboBox").isEmpty(); }));
     const auto open = [&] {
+        // A compositor may not have seen yet that the list no longer lies under the pointer.
+        moveTo(region.center());
         const QImage before = pictureOfAll();
         clickOn("QComboBox");
         QVERIFY2(waitFor([&] { return !where(list).isEmpty(); }), "no list opens");
@@ -465,18 +467,17 @@ void tst_wayland::saveDialogSaves_data()
 void tst_wayland::saveDialogSaves()
 {
     QFETCH(QRect, region);
-    const QTemporaryDir scratch;
-    const QString file = scratch.filePath("saved.bmp");
+    const QString file = "saved.bmp";
     openSaveDialog(region);
     clickOn("fileNameEdit");
     key("ctrl+a");
-    typeLetters(file, "fileNameEdit");
+    type(file);
     QVERIFY2(waitFor([&] { return m_host->content("fileNameEdit") == file; }),
              qPrintable("the dialog was given the keys " + m_host->content("fileNameEdit")));
     key("Return");
     QVERIFY2(waitFor([this] { return where("QFileDialog").isEmpty(); }), "the dialog stays");
     QVERIFY(waitFor([this] { return where("mainToolBar").isEmpty(); }));
-    const QString seen = difference(QImage(file), m_atStart.copy(pixelsOf(region)));
+    const QString seen = difference(m_host->written(file), m_atStart.copy(pixelsOf(region)));
     QVERIFY2(seen.isEmpty(), qPrintable("saved region " + text(region) + ": " + seen));
     checkOverlay();
     key("Escape");
